@@ -1,0 +1,43 @@
+# Flags every target of this project is built with, and the switches of a build.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+set(MIRQOS_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+option(MIRQOS_SDK_OWN_ALLOCATOR "Give the bundled SDK's strings an allocator of their own" OFF)
+
+if(WIN32)
+  set(MIRQOS_PLATFORM win32)
+else()
+  set(MIRQOS_PLATFORM posix)
+endif()
+
+find_package(Threads REQUIRED)
+
+# mirqos_flags: what all of the project's own code is compiled and linked with.
+add_library(mirqos_flags INTERFACE)
+target_include_directories(mirqos_flags INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
+target_link_libraries(mirqos_flags INTERFACE Threads::Threads)
+if(MSVC)
+  target_compile_options(mirqos_flags INTERFACE /W4 /WX /permissive- /utf-8)
+else()
+  target_compile_options(mirqos_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+endif()
+if(WIN32)
+  target_compile_definitions(mirqos_flags INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
+                                                    _WIN32_WINNT=0x0A00)
+  if(MINGW)
+    target_link_options(mirqos_flags INTERFACE -static)
+  endif()
+endif()
+if(MIRQOS_SANITIZE)
+  add_compile_options(-fsanitize=${MIRQOS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
+  add_link_options(-fsanitize=${MIRQOS_SANITIZE})
+endif()
