@@ -1,0 +1,120 @@
+#ifndef MIRQOS_STORE_H
+#define MIRQOS_STORE_H
+
+#include <cstdint>
+
+#include <mirqos/api.h>
+#include <mirqos/records.h>
+
+/// An object store. CreateCloudStoreInterface makes one, ReleaseCloudStoreInterface destroys it.
+///
+/// Status: 0 is success. Otherwise it is the S3 SDK's error number for the failure, in the
+/// numbering of the SDK that the library was built with, or a code that the operation names. Each
+/// failure also writes lines to the module log that name the operation, the bucket, the key and the
+/// service's message. No operation throws, except that an allocation failure may leave one as the
+/// allocator's exception.
+///
+/// Duration: an operation returns within the attempts that the SDK's retry policy allows, each
+/// bounded by three minutes to connect and five minutes without progress.
+///
+/// Threads: operations may run on several threads at once, except where noted. Init, the four
+/// accessors and the destruction must not overlap any other call on the same store.
+///
+/// Preconditions: every record pointer, and every text and buffer that an operation reads, is set;
+/// Init has been called. Anything else is the caller's error: asserted in debug builds, undefined
+/// in others.
+///
+/// The order of the virtual members is the binary contract with hosts: it never changes, and new
+/// members go to the end.
+class MIRQOS_API MIRQOSInterface {
+public:
+    MIRQOSInterface();
+    MIRQOSInterface(const MIRQOSInterface& rhs);
+    MIRQOSInterface& operator=(const MIRQOSInterface& rhs);
+    virtual ~MIRQOSInterface();
+
+    /// Copies the configuration and makes the store usable; needs a started library. A second call
+    /// replaces the work buffer and every text that is not null, and the client of the first call
+    /// lives on until the process ends. Returns 0.
+    virtual std::int32_t Init(CloudStoreConfigInfo* config) = 0;
+
+    // The store's own copies: valid until the next Init or the store's destruction, never null.
+    virtual const char* GetRegion() = 0;
+    virtual const char* GetBucketName() = 0;
+    virtual const char* GetAccessKeyId() = 0;
+    virtual const char* GetSecretKey() = 0;
+
+    /// Stores the buffer as one object with one request. The buffer is copied first.
+    virtual std::int32_t WriteObject(CloudStoreWriteObjectContext* context) = 0;
+    /// Reads one byte range of an object. It uses the store's one work buffer, so two calls on the
+    /// same store must not overlap: read in parallel with one store for each thread, or with
+    /// ReadObjectAsync.
+    virtual std::int32_t ReadObject(CloudStoreReadObjectContext* context) = 0;
+    /// Starts one ranged read and returns. The record's buffer stays in use until
+    /// WaitForReadObjectAsync returns; the record itself does not.
+    virtual std::int32_t ReadObjectAsync(CloudStoreReadObjectContext* context) = 0;
+    /// Waits for every read started since the last wait and returns the first failure among them.
+    virtual std::int32_t WaitForReadObjectAsync(CloudStoreReadObjectContext* context) = 0;
+    /// Copies an object, in parts when it is large.
+    virtual std::int32_t CopyObject(CloudStoreCopyObjectContext* context) = 0;
+
+    /// Lists every object under a prefix. Free the result with ReleaseObjectData.
+    virtual std::int32_t ListObjects(CloudStoreListObjectConext* context) = 0;
+    /// Lists one segment and hands back the token of the next. Free the result with
+    /// ReleaseObjectData.
+    virtual std::int32_t ListObjectsSegmented(CloudStoreListObjectConext* context) = 0;
+    /// Frees a listing's result and sets the record's pointer to null and its count to 0.
+    virtual std::int32_t ReleaseObjectData(CloudStoreListObjectConext* context) = 0;
+
+    virtual std::int32_t DeleteObject(CloudStoreDeleteObjectContext* context) = 0;
+    /// Deletes a list of objects.
+    virtual std::int32_t DeleteObjectsV2(CloudStoreDeleteObjectsContextV2* context) = 0;
+
+    virtual std::int32_t CreateBucket(CloudStoreCreateBucketContext* context) = 0;
+    virtual std::int32_t DeleteBucket(CloudStoreDeleteBucketContext* context) = 0;
+    /// Lists the account's buckets. Free the result with ReleaseBucketList.
+    virtual std::int32_t ListBucket(CloudStoreListBucketContext* context) = 0;
+    /// Frees ListBucket's result and sets the record's pointer to null; a null pointer is fine.
+    virtual void ReleaseBucketList(CloudStoreListBucketContext* context) = 0;
+    /// Asks whether a bucket exists.
+    virtual std::int32_t HeadBucket(CloudStoreHeadBucketConext* context) = 0;
+
+    /// Asks whether an object exists.
+    virtual std::int32_t HeadObject(CloudStoreHeadObjectConext* context) = 0;
+    /// Asks whether any object's key begins with a prefix.
+    virtual std::int32_t SearchObject(CloudStoreSearchObjectConext* context) = 0;
+    /// Appends one page of the bucket's unfinished multipart uploads to the record's list.
+    virtual std::int32_t ListMultipartUploads(CloudStoreListPartContext* context) = 0;
+    /// Has the service abort unfinished multipart uploads after a number of days.
+    virtual std::int32_t PutBucketLifecycleConfiguration(LifecycleConfigContext* context) = 0;
+    /// Replaces an object's tags.
+    virtual std::int32_t PutObjectTagging(PutObjectTaggingContext* context) = 0;
+    /// Reads an object's tags.
+    virtual std::int32_t GetObjectTagging(GetObjectTaggingContext* context) = 0;
+    /// Writes the bucket's region, NUL-terminated, to `location`, which has room for `size` bytes.
+    /// A text that does not fit ends the process: give it 260 bytes.
+    virtual std::int32_t GetBucketLocation(const char* bucket, char* location,
+                                           std::uint64_t size) = 0;
+
+    /// Begins a multipart upload and hands back its id.
+    virtual std::int32_t InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* context,
+                                             CloudStoreInitMultiPartUploadOutcome* outcome) = 0;
+    /// Sends one part and returns when the service has answered.
+    virtual std::int32_t MultiPartUpload(CloudStoreMultiPartUploadContext* context) = 0;
+    /// Makes one part out of a byte range of another object, within the service.
+    virtual std::int32_t MultiPartCopy(CloudStoreMultiPartCopyContext* context) = 0;
+    /// Completes an upload whose parts were sent with MultiPartUpload or MultiPartCopy.
+    virtual std::int32_t FinishMultiPartUpload(CloudStoreFinishMultiPartUploadContext* context) = 0;
+    /// Copies the part and sends it from another thread. The copies are kept until the finish.
+    virtual std::int32_t DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* context) = 0;
+    /// Waits for the parts sent with DoMultiPartUploadAsync and completes the upload.
+    virtual std::int32_t FinishMultiPartUploadAsync(
+        CloudStoreFinishMultiPartUploadContext* context) = 0;
+    /// Gives an upload up; the service drops its parts.
+    virtual std::int32_t AbortMultiPartUpload(CloudStoreAbortMultiPartUploadContext* context) = 0;
+
+    /// Requests that this store has sent so far.
+    virtual std::uint64_t GetRequestCount() = 0;
+};
+
+#endif
