@@ -1,0 +1,117 @@
+#include "store/AwsS3Store.h"
+
+#include <aws/core/auth/AWSAuthSigner.h>
+
+#include <cassert>
+
+#include "exec/AwsS3BackupExecutor.h"
+#include "log/ModuleLog.h"
+#include "store/ClientChecksums.h"
+#include "store/ObjectKey.h"
+
+namespace {
+
+// Large parts over slow links need minutes; a connection that takes longer than this is dead.
+constexpr long kRequestTimeoutMs = 300000;
+constexpr long kConnectTimeoutMs = 180000;
+
+void AssignIfGiven(std::string& strTarget, const char* pszText) {
+    if (pszText != nullptr) {
+        strTarget = pszText;
+    }
+}
+
+}  // namespace
+
+AwsS3Store::AwsS3Store() {
+    m_nRequestCount.exchange(0);
+    m_nInitMultiPartCount.exchange(0);
+    m_nFinishMultiPartCount.exchange(0);
+}
+
+AwsS3Store::~AwsS3Store() {
+    // First, while every member is alive: the last owner of the executor joins its threads, whose
+    // handlers use the store. The members follow in the reverse order of their declaration; the map
+    // of uploads goes without the states it points to.
+    delete m_pClient;
+    m_pClient = nullptr;
+}
+
+int32_t AwsS3Store::Init(CloudStoreConfigInfo* pConfig) {
+    assert(pConfig != nullptr);
+    // A null text keeps what an earlier Init set.
+    AssignIfGiven(m_strRegion, pConfig->m_pszRegion);
+    AssignIfGiven(m_strBucket, pConfig->m_pszBucket);
+    AssignIfGiven(m_strSecretKey, pConfig->m_pszSecretKey);
+    AssignIfGiven(m_strAccessKeyId, pConfig->m_pszAccessKeyId);
+    AssignIfGiven(m_strEndPoint, pConfig->m_pszEndPoint);
+    m_bUseHttps = pConfig->m_bUseHttps;
+    m_nBufferSize = pConfig->m_nBufferSize;
+    m_nProviderType = pConfig->m_nProviderType;
+    assert(m_nBufferSize >= 0);
+    m_pWorkBuffer =
+        std::make_unique<Aws::Utils::Array<unsigned char>>(static_cast<size_t>(m_nBufferSize));
+    m_ConfigInfo = *pConfig;
+    return BuildClient();
+}
+
+int32_t AwsS3Store::BuildClient() {
+    Aws::Client::ClientConfiguration configuration;
+    Aws::Auth::AWSCredentials credentials;
+    credentials.SetAWSSecretKey(m_strSecretKey.c_str());
+    credentials.SetAWSAccessKeyId(m_strAccessKeyId.c_str());
+    configuration.requestTimeoutMs = kRequestTimeoutMs;
+    configuration.connectTimeoutMs = kConnectTimeoutMs;
+    if (!m_strRegion.empty()) {
+        configuration.region = m_strRegion.c_str();
+    }
+    if (!m_strEndPoint.empty()) {
+        configuration.endpointOverride = m_strEndPoint.c_str();
+    }
+    configuration.scheme = m_bUseHttps != 0 ? Aws::Http::Scheme::HTTPS : Aws::Http::Scheme::HTTP;
+    Mirqos::AskForChecksumsOnlyWhenRequired(configuration, 0);
+    if (m_ConfigInfo.m_nThreadCount > 0) {
+        auto pExecutor = Aws::MakeShared<AwsS3BackupExecutor>(Mirqos::kAllocationTag);
+        pExecutor->Start(m_ConfigInfo.m_nThreadCount);
+        configuration.executor = pExecutor;
+    } else if (m_ConfigInfo.m_nThreadCount < 0) {
+        ModuleLog(&g_ModuleLog, 1, "%s thread count %d counts as 0.", "AwsS3Store::Init",
+                  m_ConfigInfo.m_nThreadCount);
+    }
+    // S3-compatible endpoints are reached by path: they seldom have a host name for each bucket.
+    const bool bUseVirtualAddressing = m_strEndPoint.empty();
+    // An earlier client is left alone: requests of it may still be running.
+    m_pClient = new Aws::S3::S3Client(credentials, configuration,
+                                      Aws::Client::AWSAuthV4Signer::PayloadSigningPolicy::Never,
+                                      bUseVirtualAddressing);
+    return 0;
+}
+
+const char* AwsS3Store::GetRegion() {
+    return m_strRegion.c_str();
+}
+
+const char* AwsS3Store::GetBucketName() {
+    return m_strBucket.c_str();
+}
+
+const char* AwsS3Store::GetAccessKeyId() {
+    return m_strAccessKeyId.c_str();
+}
+
+const char* AwsS3Store::GetSecretKey() {
+    return m_strSecretKey.c_str();
+}
+
+uint64_t AwsS3Store::GetRequestCount() {
+    return m_nRequestCount.load();
+}
+
+Aws::String AwsS3Store::KeyForService(const char* pszKey) const {
+    assert(pszKey != nullptr);
+    Aws::String key = pszKey;
+    if (SubstitutesKeys(m_nProviderType)) {
+        EncodeObjectKey(key);
+    }
+    return key;
+}

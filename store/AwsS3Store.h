@@ -1,0 +1,91 @@
+#pragma once
+
+#include <mirqos/mirqos.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "store/AwsSdk.h"
+
+struct MultiPartUploadState;
+struct AsyncReadStatus;
+
+/// The object store over the AWS SDK's S3 client; mirqos/store.h holds the contract of each
+/// operation. Operations may run on several threads at once, but for Init, destruction and
+/// ReadObject, whose bodies all pass through the store's one work buffer.
+class AwsS3Store : public MIRQOSInterface {
+public:
+    AwsS3Store();
+    ~AwsS3Store() override;
+    AwsS3Store(const AwsS3Store&) = delete;
+    AwsS3Store& operator=(const AwsS3Store&) = delete;
+
+    int32_t Init(CloudStoreConfigInfo* pConfig) override;
+    const char* GetRegion() override;
+    const char* GetBucketName() override;
+    const char* GetAccessKeyId() override;
+    const char* GetSecretKey() override;
+    int32_t WriteObject(CloudStoreWriteObjectContext* pContext) override;
+    int32_t ReadObject(CloudStoreReadObjectContext* pContext) override;
+    int32_t ReadObjectAsync(CloudStoreReadObjectContext* pContext) override;
+    int32_t WaitForReadObjectAsync(CloudStoreReadObjectContext* pContext) override;
+    int32_t CopyObject(CloudStoreCopyObjectContext* pContext) override;
+    int32_t ListObjects(CloudStoreListObjectConext* pContext) override;
+    int32_t ListObjectsSegmented(CloudStoreListObjectConext* pContext) override;
+    int32_t ReleaseObjectData(CloudStoreListObjectConext* pContext) override;
+    int32_t DeleteObject(CloudStoreDeleteObjectContext* pContext) override;
+    int32_t DeleteObjectsV2(CloudStoreDeleteObjectsContextV2* pContext) override;
+    int32_t CreateBucket(CloudStoreCreateBucketContext* pContext) override;
+    int32_t DeleteBucket(CloudStoreDeleteBucketContext* pContext) override;
+    int32_t ListBucket(CloudStoreListBucketContext* pContext) override;
+    void ReleaseBucketList(CloudStoreListBucketContext* pContext) override;
+    int32_t HeadBucket(CloudStoreHeadBucketConext* pContext) override;
+    int32_t HeadObject(CloudStoreHeadObjectConext* pContext) override;
+    int32_t SearchObject(CloudStoreSearchObjectConext* pContext) override;
+    int32_t ListMultipartUploads(CloudStoreListPartContext* pContext) override;
+    int32_t PutBucketLifecycleConfiguration(LifecycleConfigContext* pContext) override;
+    int32_t PutObjectTagging(PutObjectTaggingContext* pContext) override;
+    int32_t GetObjectTagging(GetObjectTaggingContext* pContext) override;
+    int32_t GetBucketLocation(const char* pszBucket, char* pszDestination,
+                              uint64_t nDestinationSize) override;
+    int32_t InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* pContext,
+                                CloudStoreInitMultiPartUploadOutcome* pOutcome) override;
+    int32_t MultiPartUpload(CloudStoreMultiPartUploadContext* pContext) override;
+    int32_t MultiPartCopy(CloudStoreMultiPartCopyContext* pContext) override;
+    int32_t FinishMultiPartUpload(CloudStoreFinishMultiPartUploadContext* pContext) override;
+    int32_t DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pContext) override;
+    int32_t FinishMultiPartUploadAsync(CloudStoreFinishMultiPartUploadContext* pContext) override;
+    int32_t AbortMultiPartUpload(CloudStoreAbortMultiPartUploadContext* pContext) override;
+    uint64_t GetRequestCount() override;
+
+private:
+    int32_t BuildClient();
+    /// The caller's key as it goes to the service: a copy, with the key substitution of the
+    /// provider types that need it.
+    Aws::String KeyForService(const char* pszKey) const;
+
+    // Raw on purpose: a second Init replaces the client and leaves the earlier one running, since
+    // requests of it may still be in progress.
+    Aws::S3::S3Client* m_pClient = nullptr;
+    std::string m_strAccessKeyId;
+    std::string m_strSecretKey;
+    std::string m_strBucket;
+    std::string m_strRegion;
+    std::string m_strEndPoint;
+    int32_t m_bUseHttps = 1;
+    int32_t m_nProviderType = 0;
+    CloudStoreConfigInfo m_ConfigInfo;
+    // Raw on purpose: the state of an upload that was never finished outlives the store.
+    std::unordered_map<std::string, MultiPartUploadState*> m_mapUploads;
+    std::mutex m_mtxStore;
+    AsyncReadStatus* m_pReadStatus = nullptr;
+    int32_t m_nBufferSize = 0;
+    std::unique_ptr<Aws::Utils::Array<unsigned char>> m_pWorkBuffer;
+    std::atomic<uint64_t> m_nRequestCount{0};
+    std::atomic<uint64_t> m_nInitMultiPartCount{0};
+    std::atomic<uint64_t> m_nFinishMultiPartCount{0};
+};

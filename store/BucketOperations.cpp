@@ -1,0 +1,74 @@
+#include <aws/s3/model/BucketLocationConstraint.h>
+#include <aws/s3/model/CreateBucketConfiguration.h>
+#include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/HeadBucketRequest.h>
+
+#include <cassert>
+
+#include "log/ModuleLog.h"
+#include "store/AwsS3Store.h"
+
+namespace {
+
+constexpr int32_t kNoBucketNamed = -1;
+constexpr int32_t kTooManyBuckets = 110;
+
+}  // namespace
+
+int32_t AwsS3Store::CreateBucket(CloudStoreCreateBucketContext* pContext) {
+    assert(pContext != nullptr && m_pClient != nullptr);
+    if (pContext->m_pszBucket == nullptr) {
+        return kNoBucketNamed;
+    }
+    Aws::S3::Model::CreateBucketRequest request;
+    request.SetBucket(pContext->m_pszBucket);
+    if (pContext->m_pszRegion != nullptr) {
+        Aws::S3::Model::CreateBucketConfiguration configuration;
+        configuration.SetLocationConstraint(
+            Aws::S3::Model::BucketLocationConstraintMapper::GetBucketLocationConstraintForName(
+                pContext->m_pszRegion));
+        request.SetCreateBucketConfiguration(configuration);
+    }
+
+    const auto outcome = m_pClient->CreateBucket(request);
+    if (outcome.IsSuccess()) {
+        ModuleLog(&g_ModuleLog, 1, "Create bucket:[%s] successful!", pContext->m_pszBucket);
+        return 0;
+    }
+    const int32_t nStatus = Mirqos::StatusOf(outcome);
+    const Aws::String& message = outcome.GetError().GetMessage();
+    ModuleLog(&g_ModuleLog, 1, "Create bucket:[%s] failed! [%s], EC:[%d]", pContext->m_pszBucket,
+              message.c_str(), nStatus);
+    // The SDK does not know this code; it arrives as an unknown error that names it in its message.
+    if (message.find("TooManyBuckets") != Aws::String::npos) {
+        return kTooManyBuckets;
+    }
+    return nStatus;
+}
+
+int32_t AwsS3Store::HeadBucket(CloudStoreHeadBucketConext* pContext) {
+    assert(pContext != nullptr && m_pClient != nullptr);
+    pContext->m_bExists = false;
+    ++m_nRequestCount;
+    Aws::S3::Model::HeadBucketRequest request;
+    request.SetBucket(pContext->m_pszBucket);
+
+    const auto outcome = m_pClient->HeadBucket(request);
+    if (outcome.IsSuccess()) {
+        pContext->m_bExists = true;
+        ModuleLog(&g_ModuleLog, 1, "%s the bucket exists[%s]!", "AwsS3Store::HeadBucket",
+                  pContext->m_pszBucket);
+    } else {
+        ModuleLog(&g_ModuleLog, 1, "%s, Error: %s, Err Msg: %s, bucket: %s ",
+                  "AwsS3Store::HeadBucket", outcome.GetError().GetExceptionName().c_str(),
+                  outcome.GetError().GetMessage().c_str(), pContext->m_pszBucket);
+    }
+    // A missing bucket and a refused request look alike to the caller: m_bExists is the answer.
+    return 0;
+}
+
+void AwsS3Store::ReleaseBucketList(CloudStoreListBucketContext* pContext) {
+    assert(pContext != nullptr);
+    delete[] pContext->m_pBucketNames;
+    pContext->m_pBucketNames = nullptr;
+}
