@@ -1,0 +1,187 @@
+#include <windows.h>
+// after windows.h, which they do not include themselves
+#include <objidl.h>
+#include <xmllite.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "sdk/core/xml/TreeBuilder.h"
+
+namespace Mirqos::Xml {
+namespace {
+
+struct Release {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+
+/// The caller's bytes as the stream that XmlLite reads. Lives on the stack of Parse, which outlives
+/// the reader, so references are not counted.
+class MemoryStream final : public ISequentialStream {
+public:
+    MemoryStream(const char* data, std::size_t size) : m_data(data), m_left(size) {}
+    MemoryStream(const MemoryStream&) = delete;
+    MemoryStream& operator=(const MemoryStream&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        if (id == __uuidof(IUnknown) || id == __uuidof(ISequentialStream)) {
+            *object = static_cast<ISequentialStream*>(this);
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+
+    HRESULT STDMETHODCALLTYPE Read(void* to, ULONG room, ULONG* read) override {
+        const std::size_t piece = std::min<std::size_t>(room, m_left);
+        std::memcpy(to, m_data, piece);
+        m_data += piece;
+        m_left -= piece;
+        if (read != nullptr) {
+            *read = static_cast<ULONG>(piece);
+        }
+        return piece < room ? S_FALSE : S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_ACCESSDENIED; }
+
+private:
+    const char* m_data;
+    std::size_t m_left;
+};
+
+void Check(HRESULT result) {
+    if (result == E_OUTOFMEMORY) {
+        throw std::bad_alloc();
+    }
+}
+
+/// UTF-8 of `length` UTF-16 units; false where they are not valid UTF-16.
+bool ToUtf8(const wchar_t* wide, UINT length, std::string& narrow) {
+    narrow.clear();
+    if (length == 0) {
+        return true;
+    }
+    const int units = static_cast<int>(length);
+    const int size = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, wide, units, nullptr, 0,
+                                         nullptr, nullptr);
+    if (size <= 0) {
+        return false;
+    }
+    narrow.resize(static_cast<std::size_t>(size));
+    return WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, wide, units, narrow.data(), size,
+                               nullptr, nullptr) == size;
+}
+
+/// Feeds one document to a builder.
+class Reading {
+public:
+    Reading(IXmlReader& reader, TreeBuilder& builder) : m_reader(reader), m_builder(builder) {}
+
+    /// True at the end of a well-formed document; else Error() tells why.
+    bool Run() {
+        for (;;) {
+            XmlNodeType type = XmlNodeType_None;
+            const HRESULT result = m_reader.Read(&type);
+            Check(result);
+            if (result == S_FALSE) {
+                return true;
+            }
+            if (FAILED(result)) {
+                return Refuse("not well-formed, result " + std::to_string(result));
+            }
+            if (!Take(type)) {
+                return Refuse(m_builder.Error());
+            }
+        }
+    }
+    const std::string& Error() const { return m_error; }
+
+private:
+    bool Take(XmlNodeType type) {
+        switch (type) {
+            case XmlNodeType_Element: {
+                // Asked before the name: it describes the element the reader stands on.
+                const bool empty = m_reader.IsEmptyElement() != FALSE;
+                return Fetch(&IXmlReader::GetLocalName) && m_builder.Start(m_text) &&
+                       (!empty || m_builder.End());
+            }
+            case XmlNodeType_EndElement:
+                return m_builder.End();
+            case XmlNodeType_Text:
+            case XmlNodeType_CDATA:
+            case XmlNodeType_Whitespace:
+                return Fetch(&IXmlReader::GetValue) && m_builder.Text(m_text);
+            case XmlNodeType_DocumentType:
+                return m_builder.Refuse("a document type declaration");
+            default:
+                return true;
+        }
+    }
+
+    bool Fetch(HRESULT (STDMETHODCALLTYPE IXmlReader::*get)(LPCWSTR*, UINT*)) {
+        const wchar_t* wide = nullptr;
+        UINT length = 0;
+        const HRESULT result = (m_reader.*get)(&wide, &length);
+        Check(result);
+        return SUCCEEDED(result) && ToUtf8(wide, length, m_text)
+                   ? true
+                   : m_builder.Refuse("text that is not valid Unicode");
+    }
+
+    bool Refuse(const std::string& why) {
+        UINT line = 0;
+        m_reader.GetLineNumber(&line);
+        m_error = "line " + std::to_string(line) + ": " + why;
+        return false;
+    }
+
+    IXmlReader& m_reader;
+    TreeBuilder& m_builder;
+    std::string m_text;
+    std::string m_error;
+};
+
+}  // namespace
+
+std::optional<Element> Parse(const char* data, std::size_t size, std::string& error) {
+    if (size == 0 || size > kMaxBytes) {
+        error = size == 0 ? "empty document" : "document too large";
+        return std::nullopt;
+    }
+    MemoryStream stream(data, size);
+    void* created = nullptr;
+    HRESULT result = CreateXmlReader(__uuidof(IXmlReader), &created, nullptr);
+    Check(result);
+    const std::unique_ptr<IXmlReader, Release> reader(static_cast<IXmlReader*>(created));
+    if (SUCCEEDED(result)) {
+        result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
+    }
+    if (SUCCEEDED(result)) {
+        result = reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth);
+    }
+    if (SUCCEEDED(result)) {
+        result = reader->SetInput(&stream);
+    }
+    Check(result);
+    if (FAILED(result)) {
+        error = "the system's XML reader is not available, result " + std::to_string(result);
+        return std::nullopt;
+    }
+    TreeBuilder builder;
+    Reading reading(*reader, builder);
+    if (!reading.Run()) {
+        error = reading.Error();
+        return std::nullopt;
+    }
+    std::optional<Element> root = builder.Take();
+    if (!root) {
+        error = "the document ends too early";
+    }
+    return root;
+}
+
+}  // namespace Mirqos::Xml
