@@ -78,13 +78,14 @@ struct CloudStoreReadObjectContext {
     MIRQOS_RECORD(CloudStoreReadObjectContext);
 
     const char* m_pszKey = nullptr;
-    /// Destination, with room for m_nReadLen bytes. An asynchronous read writes to it until the
-    /// wait returns.
+    /// Destination, with room for m_nReadLen bytes. An asynchronous read uses it until the wait
+    /// returns.
     unsigned char* m_pBuf = nullptr;
     const char* m_pszBucket = nullptr;
     /// Bytes asked for, at most the store's m_nBufferSize for a synchronous read. Not initialised.
     std::uint64_t m_nReadLen;
-    /// Out: bytes delivered into m_pBuf; left alone by a failed read. Not initialised.
+    /// Out: bytes that ReadObject delivered into m_pBuf; left alone by a failed or an asynchronous
+    /// read. Not initialised.
     std::uint64_t m_nReadSize;
     std::uint64_t m_nRangeStart = 0;  ///< first byte of the object to read
     /// Last byte to read, itself included. The range is always sent: 0 to 0 is the first byte.

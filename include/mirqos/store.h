@@ -50,10 +50,14 @@ public:
     /// same store must not overlap: read in parallel with one store for each thread, or with
     /// ReadObjectAsync.
     virtual std::int32_t ReadObject(CloudStoreReadObjectContext* context) = 0;
-    /// Starts one ranged read and returns. The record's buffer stays in use until
-    /// WaitForReadObjectAsync returns; the record itself does not.
+    /// Starts one ranged read and returns. The texts and the buffer that the record names stay in
+    /// use until WaitForReadObjectAsync returns, the record itself does not, and its m_nReadSize is
+    /// not written. The reads between two waits are a batch; a store has one at a time, which one
+    /// thread starts and waits for.
     virtual std::int32_t ReadObjectAsync(CloudStoreReadObjectContext* context) = 0;
-    /// Waits for every read started since the last wait and returns the first failure among them.
+    /// Waits for the reads started since the last wait, at least one, and returns the failure of
+    /// one that failed, or -1 when the wait ended before every read was answered. The record is
+    /// used for log lines only.
     virtual std::int32_t WaitForReadObjectAsync(CloudStoreReadObjectContext* context) = 0;
     /// Copies an object, in parts when it is large.
     virtual std::int32_t CopyObject(CloudStoreCopyObjectContext* context) = 0;
