@@ -1,0 +1,16 @@
+#pragma once
+
+#include <functional>
+
+namespace Mirqos {
+
+/// What tests may replace inside the executor. Nothing of it is exported from the DLL, so no host
+/// can reach it. It is read without a lock: set it while no executor starts.
+struct ExecutorSeam {
+    /// Called before each thread is created; throws what a refusing system would throw.
+    std::function<void()> onThreadCreation;
+};
+
+ExecutorSeam& TheExecutorSeam();
+
+}  // namespace Mirqos
