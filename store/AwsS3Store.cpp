@@ -3,6 +3,7 @@
 #include <aws/core/auth/AWSAuthSigner.h>
 
 #include <cassert>
+#include <new>
 
 #include "exec/AwsS3BackupExecutor.h"
 #include "log/ModuleLog.h"
@@ -72,7 +73,9 @@ int32_t AwsS3Store::BuildClient() {
     Mirqos::AskForChecksumsOnlyWhenRequired(configuration, 0);
     if (m_ConfigInfo.m_nThreadCount > 0) {
         auto pExecutor = Aws::MakeShared<AwsS3BackupExecutor>(Mirqos::kAllocationTag);
-        pExecutor->Start(m_ConfigInfo.m_nThreadCount);
+        if (pExecutor->Start(m_ConfigInfo.m_nThreadCount) != 0) {
+            throw std::bad_alloc();
+        }
         configuration.executor = pExecutor;
     } else if (m_ConfigInfo.m_nThreadCount < 0) {
         ModuleLog(&g_ModuleLog, 1, "%s thread count %d counts as 0.", "AwsS3Store::Init",

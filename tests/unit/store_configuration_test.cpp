@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <mirqos/mirqos.h>
+
+#include <chrono>
+#include <string>
+
+#include "store/AwsS3Store.h"
+#include "tests/support/RecordingOutput.h"
+#include "tests/support/RecordingTransport.h"
+
+namespace {
+
+using Mirqos::Test::LogRecording;
+using Mirqos::Test::RecordingTransport;
+using Mirqos::Test::TransportRecording;
+using testing::HasSubstr;
+
+class StoreConfiguration : public testing::Test {
+protected:
+    RecordingTransport::Sent SentBy(AwsS3Store& store, const char* key = "key") {
+        CloudStoreWriteObjectContext write;
+        write.m_pszBucket = "bucket-of-tests";
+        write.m_pszKey = key;
+        EXPECT_EQ(store.WriteObject(&write), 0);
+        return m_transports.Requests().back();
+    }
+
+    RecordingTransport::Sent SentWith(CloudStoreConfigInfo config) {
+        AwsS3Store store;
+        EXPECT_EQ(store.Init(&config), 0);
+        return SentBy(store);
+    }
+
+    LogRecording m_log;
+    TransportRecording m_transports;
+};
+
+TEST_F(StoreConfiguration, ANewStoreHasEmptyTextsAndHasSentNothing) {
+    AwsS3Store store;
+    EXPECT_STREQ(store.GetRegion(), "");
+    EXPECT_STREQ(store.GetBucketName(), "");
+    EXPECT_STREQ(store.GetAccessKeyId(), "");
+    EXPECT_STREQ(store.GetSecretKey(), "");
+    EXPECT_EQ(store.GetRequestCount(), 0u);
+}
+
+TEST_F(StoreConfiguration, InitKeepsCopiesOfTheTexts) {
+    char region[] = "eu-north-1";
+    char bucket[] = "the-bucket";
+    char id[] = "ID";
+    char secret[] = "SECRET";
+    CloudStoreConfigInfo config;
+    config.m_pszRegion = region;
+    config.m_pszBucket = bucket;
+    config.m_pszAccessKeyId = id;
+    config.m_pszSecretKey = secret;
+    AwsS3Store store;
+    ASSERT_EQ(store.Init(&config), 0);
+    region[0] = bucket[0] = id[0] = secret[0] = '?';
+    EXPECT_STREQ(store.GetRegion(), "eu-north-1");
+    EXPECT_STREQ(store.GetBucketName(), "the-bucket");
+    EXPECT_STREQ(store.GetAccessKeyId(), "ID");
+    EXPECT_STREQ(store.GetSecretKey(), "SECRET");
+}
+
+TEST_F(StoreConfiguration, WithEveryTextNullTheDefaultRegionAndVirtualHostsAreUsed) {
+    CloudStoreConfigInfo config;
+    AwsS3Store store;
+    ASSERT_EQ(store.Init(&config), 0);
+    EXPECT_STREQ(store.GetRegion(), "");
+    EXPECT_STREQ(store.GetBucketName(), "");
+    const auto sent = SentBy(store);
+    EXPECT_EQ(sent.request.host, "bucket-of-tests.s3.amazonaws.com");
+    EXPECT_EQ(sent.request.target, "/key");
+    EXPECT_TRUE(sent.request.https);
+    EXPECT_EQ(sent.request.port, 443);
+}
+
+TEST_F(StoreConfiguration, ARegionSelectsItsEndpointAndItsSignature) {
+    CloudStoreConfigInfo config;
+    config.m_pszRegion = "eu-west-3";
+    config.m_pszAccessKeyId = "ID";
+    config.m_pszSecretKey = "SECRET";
+    const auto sent = SentWith(config);
+    EXPECT_EQ(sent.request.host, "bucket-of-tests.s3.eu-west-3.amazonaws.com");
+    EXPECT_THAT(sent.Header("authorization"), HasSubstr("Credential=ID/"));
+    EXPECT_THAT(sent.Header("authorization"), HasSubstr("/eu-west-3/s3/aws4_request"));
+}
+
+TEST_F(StoreConfiguration, AnEndpointIsReachedByPath) {
+    CloudStoreConfigInfo config;
+    config.m_pszEndPoint = "storage.example.net:9000";
+    const auto sent = SentWith(config);
+    EXPECT_EQ(sent.request.host, "storage.example.net");
+    EXPECT_EQ(sent.request.port, 9000);
+    EXPECT_EQ(sent.request.target, "/bucket-of-tests/key");
+}
+
+TEST_F(StoreConfiguration, AnEmptyEndpointMeansTheProvidersOwn) {
+    CloudStoreConfigInfo config;
+    config.m_pszEndPoint = "";
+    EXPECT_EQ(SentWith(config).request.host, "bucket-of-tests.s3.amazonaws.com");
+}
+
+TEST_F(StoreConfiguration, ZeroSelectsHttpAndAnythingElseHttps) {
+    CloudStoreConfigInfo config;
+    config.m_bUseHttps = 0;
+    const auto plain = SentWith(config);
+    EXPECT_FALSE(plain.request.https);
+    EXPECT_EQ(plain.request.port, 80);
+    for (const int32_t nonZero : {1, 2, -1}) {
+        config.m_bUseHttps = nonZero;
+        EXPECT_TRUE(SentWith(config).request.https) << nonZero;
+    }
+}
+
+TEST_F(StoreConfiguration, PayloadsGoUnsignedOverHttpsAndHashedOverHttp) {
+    CloudStoreConfigInfo config;
+    config.m_pszAccessKeyId = "ID";
+    config.m_pszSecretKey = "SECRET";
+    EXPECT_EQ(SentWith(config).Header("x-amz-content-sha256"), "UNSIGNED-PAYLOAD");
+    config.m_bUseHttps = 0;
+    EXPECT_EQ(SentWith(config).Header("x-amz-content-sha256"),
+              "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+}
+
+TEST_F(StoreConfiguration, RequestsHaveThreeMinutesToConnectAndFiveToAnswer) {
+    const auto sent = SentWith(CloudStoreConfigInfo());
+    EXPECT_EQ(sent.limits.connect, std::chrono::minutes(3));
+    EXPECT_EQ(sent.limits.stall, std::chrono::minutes(5));
+}
+
+TEST_F(StoreConfiguration, ThreadCountZeroMakesNoExecutor) {
+    CloudStoreConfigInfo config;
+    SentWith(config);
+    EXPECT_EQ(m_log.CountContaining("Upload thread"), 0u);
+    EXPECT_EQ(m_log.CountContaining("Destruct the Backup Executor!"), 0u);
+}
+
+TEST_F(StoreConfiguration, ThreadCountFourMakesOneExecutorWithFourThreadsThatEndWithTheStore) {
+    CloudStoreConfigInfo config;
+    config.m_nThreadCount = 4;
+    SentWith(config);
+    EXPECT_EQ(m_log.CountContaining("is started."), 4u);
+    EXPECT_EQ(m_log.CountContaining("Destruct the Backup Executor!"), 1u);
+    EXPECT_EQ(m_log.CountContaining("is existed."), 4u);
+}
+
+TEST_F(StoreConfiguration, ANegativeThreadCountCountsAsZeroAndSaysSo) {
+    CloudStoreConfigInfo config;
+    config.m_nThreadCount = -3;
+    SentWith(config);
+    EXPECT_EQ(m_log.Texts(),
+              std::vector<std::string>{"AwsS3Store::Init thread count -3 counts as 0."});
+}
+
+TEST_F(StoreConfiguration, OnlyProviderTypesFiveAndSixSendPlusForAt) {
+    for (const int32_t type : {0, 1, 2, 3, 4, 5, 6, 7}) {
+        CloudStoreConfigInfo config;
+        config.m_nProviderType = type;
+        AwsS3Store store;
+        ASSERT_EQ(store.Init(&config), 0);
+        const bool substitutes = type == 5 || type == 6;
+        EXPECT_EQ(SentBy(store, "a@b@c").request.target, substitutes ? "/a%2Bb%2Bc" : "/a%40b%40c")
+            << type;
+    }
+}
+
+TEST_F(StoreConfiguration, ReleasingABucketListFreesItOnce) {
+    AwsS3Store store;
+    CloudStoreListBucketContext list;
+    list.m_pBucketNames = new char[3]{'a', '\0', '\0'};
+    store.ReleaseBucketList(&list);
+    EXPECT_EQ(list.m_pBucketNames, nullptr);
+    store.ReleaseBucketList(&list);
+    EXPECT_EQ(list.m_pBucketNames, nullptr);
+    EXPECT_TRUE(m_log.Texts().empty());
+}
+
+}  // namespace
