@@ -1,0 +1,26 @@
+# The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
+.DEFAULT_GOAL := help
+.PHONY: help deps test demo format lint clean
+.NOTPARALLEL:
+
+help: ## this list
+	@sed -n 's/^\([a-z]*\):[^#]*## */  make \1|/p' $(MAKEFILE_LIST) | column -t -s '|'
+
+deps: ## install the Debian packages that building and testing need (needs root)
+	@scripts/install-deps
+
+test: deps ## everything: check the sources, build and test all four presets (PRESETS="..." for some)
+	@scripts/test $(PRESETS)
+
+demo: deps ## build the product and let it carry real files to an S3 server and back
+	@scripts/demo
+
+format: deps ## lay out the sources as .clang-format says
+	@scripts/format fix
+
+lint: deps ## only the checks of the sources: layout and clang-tidy
+	@scripts/format check
+	@scripts/tidy
+
+clean: ## remove everything built
+	@scripts/clean
