@@ -22,9 +22,8 @@ Watchdog::~Watchdog() {
     m_thread.join();
 }
 
-std::chrono::seconds Watchdog::LimitFromEnvironment() {
+std::chrono::seconds Watchdog::LimitOf(const char* text) {
     constexpr std::chrono::seconds kDefault{240};
-    const char* text = std::getenv("MIRQOS_TEST_LIMIT_SECONDS");
     if (text == nullptr) {
         return kDefault;
     }

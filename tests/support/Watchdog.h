@@ -21,9 +21,9 @@ public:
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;
 
-    /// The limit that MIRQOS_TEST_LIMIT_SECONDS asks for: a whole number of seconds above 0, 240
-    /// when it is unset or is not such a number.
-    static std::chrono::seconds LimitFromEnvironment();
+    /// The limit that `text` asks for, the value of MIRQOS_TEST_LIMIT_SECONDS: a whole number of
+    /// seconds above 0; 240 s when it is null or no such number.
+    static std::chrono::seconds LimitOf(const char* text);
 
 private:
     void Run(std::chrono::milliseconds limit, const std::function<std::string()>& describe);

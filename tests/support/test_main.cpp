@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "tests/support/Watchdog.h"
@@ -16,7 +17,7 @@ std::string RunningTest() {
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
-    const Mirqos::Test::Watchdog watchdog(Mirqos::Test::Watchdog::LimitFromEnvironment(),
-                                          RunningTest);
+    const Mirqos::Test::Watchdog watchdog(
+        Mirqos::Test::Watchdog::LimitOf(std::getenv("MIRQOS_TEST_LIMIT_SECONDS")), RunningTest);
     return RUN_ALL_TESTS();
 }
