@@ -1,0 +1,49 @@
+#pragma once
+
+#include <aws/core/client/AWSError.h>
+
+namespace Aws::S3 {
+
+/// Core errors under their own numbers, then the service's own. Numbers differ between generations
+/// of the SDK: compare by name.
+enum class S3Errors {
+    INCOMPLETE_SIGNATURE = 0,
+    INTERNAL_FAILURE = 1,
+    INVALID_ACTION = 2,
+    INVALID_CLIENT_TOKEN_ID = 3,
+    INVALID_PARAMETER_COMBINATION = 4,
+    INVALID_QUERY_PARAMETER = 5,
+    INVALID_PARAMETER_VALUE = 6,
+    MISSING_ACTION = 7,
+    MISSING_AUTHENTICATION_TOKEN = 8,
+    MISSING_PARAMETER = 9,
+    OPT_IN_REQUIRED = 10,
+    REQUEST_EXPIRED = 11,
+    SERVICE_UNAVAILABLE = 12,
+    THROTTLING = 13,
+    VALIDATION = 14,
+    ACCESS_DENIED = 15,
+    RESOURCE_NOT_FOUND = 16,
+    UNRECOGNIZED_CLIENT = 17,
+    MALFORMED_QUERY_STRING = 18,
+    SLOW_DOWN = 19,
+    REQUEST_TIME_TOO_SKEWED = 20,
+    INVALID_SIGNATURE = 21,
+    SIGNATURE_DOES_NOT_MATCH = 22,
+    INVALID_ACCESS_KEY_ID = 23,
+    REQUEST_TIMEOUT = 24,
+    NETWORK_CONNECTION = 99,
+    UNKNOWN = 100,
+
+    BUCKET_ALREADY_EXISTS = 129,
+    BUCKET_ALREADY_OWNED_BY_YOU = 130,
+    NO_SUCH_BUCKET = 131,
+    NO_SUCH_KEY = 132,
+    NO_SUCH_UPLOAD = 133,
+    OBJECT_ALREADY_IN_ACTIVE_TIER = 134,
+    OBJECT_NOT_IN_ACTIVE_TIER = 135
+};
+
+using S3Error = Aws::Client::AWSError<S3Errors>;
+
+}  // namespace Aws::S3

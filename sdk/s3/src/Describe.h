@@ -1,0 +1,39 @@
+#pragma once
+
+#include "sdk/core/client/Text.h"
+#include "sdk/core/client/WireRequest.h"
+#include "sdk/core/xml/Xml.h"
+
+/// What most descriptions of requests begin with.
+namespace Mirqos::S3 {
+
+template <typename Request>
+Client::WireRequest ForBucket(const char* method, const Request& request) {
+    Client::WireRequest wire;
+    wire.method = method;
+    wire.bucket = ToStd(request.GetBucket());
+    return wire;
+}
+
+template <typename Request>
+Client::WireRequest ForObject(const char* method, const Request& request) {
+    Client::WireRequest wire = ForBucket(method, request);
+    wire.key = ToStd(request.GetKey());
+    return wire;
+}
+
+/// The namespace that S3 wants on the root of the documents it is sent.
+inline constexpr char kXmlNamespace[] = "http://s3.amazonaws.com/doc/2006-03-01/";
+inline constexpr char kXmlContentType[] = "application/xml";
+
+/// `document` as the body: a value with a Write(Xml::Writer&), under the root `root`.
+template <typename Document>
+void SetXmlBody(Client::WireRequest& wire, const char* root, const Document& document) {
+    Xml::Writer writer;
+    writer.Open(root, {{"xmlns", kXmlNamespace}});
+    document.Write(writer);
+    wire.xml = writer.Take();
+    wire.contentType = kXmlContentType;
+}
+
+}  // namespace Mirqos::S3

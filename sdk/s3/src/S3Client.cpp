@@ -1,0 +1,155 @@
+#include <aws/core/utils/threading/Executor.h>
+#include <aws/s3/S3Client.h>
+#include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/DeleteObjectRequest.h>
+#include <aws/s3/model/GetObjectRequest.h>
+#include <aws/s3/model/HeadBucketRequest.h>
+#include <aws/s3/model/PutObjectRequest.h>
+
+#include <type_traits>
+#include <utility>
+
+#include "sdk/core/client/Pipeline.h"
+#include "sdk/core/client/Text.h"
+#include "sdk/s3/src/Addressing.h"
+#include "sdk/s3/src/ServiceCodes.h"
+
+namespace Aws::S3 {
+namespace {
+
+constexpr char kSigningName[] = "s3";
+constexpr char kUserAgent[] = "MIRQOS/" MIRQOS_VERSION;
+
+S3Error MissingField(const char* field) {
+    return S3Error(S3Errors::MISSING_PARAMETER, "MISSING_PARAMETER",
+                   Aws::String("Missing required field [") + field + "]", false);
+}
+
+}  // namespace
+
+/// What calls need. Tasks on the executor share it and it never holds the executor: the last task
+/// would else destroy the pool whose thread it runs on.
+class S3Client::Impl {
+public:
+    Impl(const Auth::AWSCredentials& credentials, const Client::ClientConfiguration& configuration,
+         Client::AWSAuthV4Signer::PayloadSigningPolicy signPayloads, bool useVirtualAddressing)
+        : m_addressing(Mirqos::ToStd(configuration.endpointOverride),
+                       Mirqos::ToStd(configuration.region),
+                       configuration.scheme == Http::Scheme::HTTPS, useVirtualAddressing),
+          m_pipeline(credentials, configuration, signPayloads,
+                     {kSigningName, kUserAgent, Mirqos::S3::FindServiceError}) {}
+
+    template <typename Outcome>
+    Outcome Call(const AmazonWebServiceRequest& request) const {
+        const Mirqos::Client::WireRequest wire = request.Describe();
+        if (wire.bucket && wire.bucket->empty()) {
+            return Outcome(MissingField("Bucket"));
+        }
+        if (wire.key && wire.key->empty()) {
+            return Outcome(MissingField("Key"));
+        }
+        if (!m_addressing.Problem().empty()) {
+            return Outcome(S3Error(S3Errors::INVALID_PARAMETER_VALUE, "",
+                                   Mirqos::ToAws(m_addressing.Problem()), false));
+        }
+        Mirqos::Client::Pipeline::Outcome answer =
+            m_pipeline.Run(request, wire, m_addressing.Locate(wire.bucket, wire.key));
+        if (!answer.IsSuccess()) {
+            return Outcome(S3Error(answer.GetError()));
+        }
+        using Result = std::decay_t<decltype(std::declval<Outcome>().GetResult())>;
+        if constexpr (std::is_same_v<Result, NoResult>) {
+            return Outcome(NoResult());
+        } else {
+            return Outcome(Result(answer.GetResultWithOwnership()));
+        }
+    }
+
+private:
+    const Mirqos::S3::Addressing m_addressing;
+    const Mirqos::Client::Pipeline m_pipeline;
+};
+
+S3Client::S3Client(const Auth::AWSCredentials& credentials,
+                   const Client::ClientConfiguration& clientConfiguration,
+                   Client::AWSAuthV4Signer::PayloadSigningPolicy signPayloads,
+                   bool useVirtualAddressing)
+    : m_executor(clientConfiguration.executor),
+      m_impl(std::make_shared<const Impl>(credentials, clientConfiguration, signPayloads,
+                                          useVirtualAddressing)) {
+}
+
+S3Client::~S3Client() {
+    m_executor.reset();
+}
+
+template <typename Outcome, typename Request>
+void S3Client::Submit(const Request& request,
+                      const ResponseReceivedHandler<Request, Outcome>& handler,
+                      const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    // Executors copy tasks; the request is copied once.
+    const auto owned = std::make_shared<const Request>(request);
+    const auto task = [impl = m_impl, client = this, owned, handler, context] {
+        const Outcome outcome = impl->Call<Outcome>(*owned);
+        handler(client, *owned, outcome, context);
+    };
+    if (m_executor == nullptr || !m_executor->Submit(task)) {
+        const Outcome outcome(S3Error(S3Errors::INTERNAL_FAILURE, "",
+                                      "The executor did not take the request.", false));
+        handler(this, request, outcome, context);
+    }
+}
+
+// Each operation: what it is called with, and the outcome that says what becomes of the answer.
+
+Model::CreateBucketOutcome S3Client::CreateBucket(const Model::CreateBucketRequest& request) const {
+    return m_impl->Call<Model::CreateBucketOutcome>(request);
+}
+
+void S3Client::CreateBucketAsync(
+    const Model::CreateBucketRequest& request, const CreateBucketResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::CreateBucketOutcome>(request, handler, context);
+}
+
+Model::DeleteObjectOutcome S3Client::DeleteObject(const Model::DeleteObjectRequest& request) const {
+    return m_impl->Call<Model::DeleteObjectOutcome>(request);
+}
+
+void S3Client::DeleteObjectAsync(
+    const Model::DeleteObjectRequest& request, const DeleteObjectResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::DeleteObjectOutcome>(request, handler, context);
+}
+
+Model::GetObjectOutcome S3Client::GetObject(const Model::GetObjectRequest& request) const {
+    return m_impl->Call<Model::GetObjectOutcome>(request);
+}
+
+void S3Client::GetObjectAsync(
+    const Model::GetObjectRequest& request, const GetObjectResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::GetObjectOutcome>(request, handler, context);
+}
+
+Model::HeadBucketOutcome S3Client::HeadBucket(const Model::HeadBucketRequest& request) const {
+    return m_impl->Call<Model::HeadBucketOutcome>(request);
+}
+
+void S3Client::HeadBucketAsync(
+    const Model::HeadBucketRequest& request, const HeadBucketResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::HeadBucketOutcome>(request, handler, context);
+}
+
+Model::PutObjectOutcome S3Client::PutObject(const Model::PutObjectRequest& request) const {
+    return m_impl->Call<Model::PutObjectOutcome>(request);
+}
+
+void S3Client::PutObjectAsync(
+    const Model::PutObjectRequest& request, const PutObjectResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::PutObjectOutcome>(request, handler, context);
+}
+
+}  // namespace Aws::S3
