@@ -75,7 +75,7 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         return std::nullopt;
     }
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreateNS(nullptr, kSeparator), &XML_ParserFree);
+        XML_ParserCreateNS("UTF-8", kSeparator), &XML_ParserFree);
     if (parser == nullptr) {
         throw std::bad_alloc();
     }

@@ -17,11 +17,11 @@ struct Release {
     void operator()(IUnknown* object) const { object->Release(); }
 };
 
-/// The caller's bytes as the stream that XmlLite reads. Lives on the stack of Parse, which outlives
-/// the reader, so references are not counted.
+/// The document as the stream that XmlLite reads. Lives on the stack of Parse, which outlives the
+/// reader, so references are not counted.
 class MemoryStream final : public ISequentialStream {
 public:
-    MemoryStream(const char* data, std::size_t size) : m_data(data), m_left(size) {}
+    explicit MemoryStream(std::string_view document) : m_left(document) {}
     MemoryStream(const MemoryStream&) = delete;
     MemoryStream& operator=(const MemoryStream&) = delete;
 
@@ -37,26 +37,48 @@ public:
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
     HRESULT STDMETHODCALLTYPE Read(void* to, ULONG room, ULONG* read) override {
-        const std::size_t piece = std::min<std::size_t>(room, m_left);
-        std::memcpy(to, m_data, piece);
-        m_data += piece;
-        m_left -= piece;
+        std::size_t piece = std::min<std::size_t>(room, m_left.size());
+        // Wine's reader always puts a last byte beyond ASCII aside for the next piece, which breaks
+        // the character unless that byte is its first.
+        while (piece > 1 && IsContinuation(m_left[piece - 1])) {
+            --piece;
+        }
+        std::memcpy(to, m_left.data(), piece);
+        m_left.remove_prefix(piece);
         if (read != nullptr) {
             *read = static_cast<ULONG>(piece);
         }
-        return piece < room ? S_FALSE : S_OK;
+        return piece == 0 ? S_FALSE : S_OK;
     }
     HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_ACCESSDENIED; }
 
 private:
-    const char* m_data;
-    std::size_t m_left;
+    static bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+    std::string_view m_left;
 };
 
 void Check(HRESULT result) {
     if (result == E_OUTOFMEMORY) {
         throw std::bad_alloc();
     }
+}
+
+/// The document without what could claim another encoding than UTF-8.
+std::string_view WithoutProlog(std::string_view document) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    constexpr std::string_view declaration = "<?xml ";
+    constexpr std::string_view declarationEnd = "?>";
+    if (document.substr(0, mark.size()) == mark) {
+        document.remove_prefix(mark.size());
+    }
+    if (document.substr(0, declaration.size()) == declaration) {
+        const auto end = document.find(declarationEnd);
+        if (end != std::string_view::npos) {
+            document.remove_prefix(end + declarationEnd.size());
+        }
+    }
+    return document;
 }
 
 /// UTF-8 of `length` UTF-16 units; false where they are not valid UTF-16.
@@ -152,7 +174,7 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;
     }
-    MemoryStream stream(data, size);
+    MemoryStream stream(WithoutProlog({data, size}));
     void* created = nullptr;
     HRESULT result = CreateXmlReader(__uuidof(IXmlReader), &created, nullptr);
     Check(result);
