@@ -24,10 +24,10 @@ struct Request {
     bool https = true;
     std::string host;  ///< name or address, without the port
     std::uint16_t port = 443;
-    std::string connectHost;       ///< where to connect instead of host; empty: to host (tests)
-    std::uint16_t connectPort = 0; ///< goes with connectHost
-    std::string target;   ///< path and query as they go on the wire, already encoded, kept exact
-    HeaderList headers;   ///< sent as they stand; holds Host. Content-Length is the transport's
+    std::string connectHost;        ///< where to connect instead of host; empty: to host (tests)
+    std::uint16_t connectPort = 0;  ///< goes with connectHost
+    std::string target;  ///< path and query as they go on the wire, already encoded, kept exact
+    HeaderList headers;  ///< sent as they stand; holds Host. Content-Length is the transport's
     std::istream* body = nullptr;  ///< bodyLength bytes from its current position; null: no body
     std::uint64_t bodyLength = 0;
 };
@@ -60,13 +60,13 @@ public:
 
 enum class Failure {
     none,
-    resolve,    ///< the host name has no address
-    connect,    ///< refused, unreachable or not connected within Limits::connect
-    tls,        ///< handshake or certificate refused; no request line has left
-    timeout,    ///< Limits::stall passed
-    send,       ///< the connection broke while sending
-    receive,    ///< the connection broke, or the answer is not HTTP or exceeds a bound
-    truncated   ///< the body ended before its Content-Length or its last chunk
+    resolve,   ///< the host name has no address
+    connect,   ///< refused, unreachable or not connected within Limits::connect
+    tls,       ///< handshake or certificate refused; no request line has left
+    timeout,   ///< Limits::stall passed
+    send,      ///< the connection broke while sending
+    receive,   ///< the connection broke, or the answer is not HTTP or exceeds a bound
+    truncated  ///< the body ended before its Content-Length or its last chunk
 };
 
 struct Result {
@@ -76,8 +76,8 @@ struct Result {
 
 struct TransportOptions {
     bool verifyCertificates = true;
-    std::string trustFile;           ///< PEM file of trusted authorities; empty: the system's
-    unsigned maxConnections = 25;    ///< exchanges beyond this wait for a free connection
+    std::string trustFile;         ///< PEM file of trusted authorities; empty: the system's
+    unsigned maxConnections = 25;  ///< exchanges beyond this wait for a free connection
 };
 
 /// Keeps idle connections for reuse. Exchange may be called from any number of threads at once.

@@ -1,0 +1,70 @@
+#include "sdk/core/http/posix/EasyPool.h"
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+#include <utility>
+
+namespace Mirqos::Http {
+
+EasySlot::EasySlot() : easy(curl_easy_init()), multi(curl_multi_init()) {
+    if (easy == nullptr || multi == nullptr) {
+        curl_easy_cleanup(easy);
+        curl_multi_cleanup(multi);
+        throw std::bad_alloc();
+    }
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, 1L);
+    curl_multi_setopt(multi, CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
+}
+
+EasySlot::~EasySlot() {
+    curl_easy_cleanup(easy);
+    curl_multi_cleanup(multi);
+}
+
+EasyPool::EasyPool(unsigned size) : m_size(std::max(size, 1U)) {
+    m_idle.reserve(m_size);  // returning a slot must not fail
+}
+
+EasyPool::Lease EasyPool::Take(const std::string& server) {
+    return {*this, TakeSlot(server)};
+}
+
+std::unique_ptr<EasySlot> EasyPool::TakeSlot(const std::string& server) {
+    std::unique_ptr<EasySlot> slot;
+    {
+        std::unique_lock lock(m_mutex);
+        m_returned.wait(lock, [this] { return m_lent < m_size; });
+        const auto known = std::find_if(m_idle.rbegin(), m_idle.rend(),
+                                        [&](const auto& idle) { return idle->server == server; });
+        if (known != m_idle.rend()) {
+            slot = std::move(*known);
+            m_idle.erase(std::next(known).base());
+        } else if (m_lent + m_idle.size() >= m_size) {
+            slot = std::move(m_idle.front());  // the connection unused for longest makes room
+            m_idle.erase(m_idle.begin());
+        }
+        ++m_lent;
+    }
+    if (!slot) {
+        try {
+            slot = std::make_unique<EasySlot>();
+        } catch (...) {
+            Return(nullptr);
+            throw;
+        }
+    }
+    slot->server = server;
+    return slot;
+}
+
+void EasyPool::Return(std::unique_ptr<EasySlot> slot) {
+    const std::lock_guard lock(m_mutex);
+    --m_lent;
+    if (slot) {
+        m_idle.push_back(std::move(slot));
+    }
+    m_returned.notify_one();
+}
+
+}  // namespace Mirqos::Http

@@ -1,0 +1,289 @@
+#include "sdk/core/http/win32/WinHttpExchange.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "sdk/core/http/CertificateTrouble.h"
+#include "sdk/core/http/win32/WideText.h"
+
+namespace Mirqos::Http {
+namespace {
+
+bool SetNumber(HINTERNET handle, DWORD option, DWORD value) {
+    return WinHttpSetOption(handle, option, &value, sizeof(value)) != FALSE;
+}
+
+/// WinHTTP's own limits stay behind ours, so that ours decide; they end what was given up.
+int Behind(std::chrono::milliseconds limit) {
+    constexpr std::int64_t most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min<std::int64_t>(limit.count() + 1000, most));
+}
+
+bool IsTimeout(DWORD error) {
+    return error == ERROR_WINHTTP_TIMEOUT || error == WSAETIMEDOUT;
+}
+
+bool IsTls(DWORD error) {
+    switch (error) {
+        case ERROR_WINHTTP_SECURE_FAILURE:
+        case ERROR_WINHTTP_SECURE_CERT_DATE_INVALID:
+        case ERROR_WINHTTP_SECURE_CERT_CN_INVALID:
+        case ERROR_WINHTTP_SECURE_INVALID_CA:
+        case ERROR_WINHTTP_SECURE_CERT_REV_FAILED:
+        case ERROR_WINHTTP_SECURE_CHANNEL_ERROR:
+        case ERROR_WINHTTP_SECURE_INVALID_CERT:
+        case ERROR_WINHTTP_SECURE_CERT_REVOKED:
+        case ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE:
+        case ERROR_WINHTTP_CLIENT_AUTH_CERT_NEEDED:
+            return true;
+        default:
+            return false;
+    }
+}
+
+/// The flags come with the refusal; some systems report only the error number.
+CertificateTrouble TroubleOf(DWORD flags, DWORD error) {
+    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_REVOKED) != 0 ||
+        error == ERROR_WINHTTP_SECURE_CERT_REVOKED) {
+        return CertificateTrouble::revoked;
+    }
+    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_INVALID_CA) != 0 ||
+        error == ERROR_WINHTTP_SECURE_INVALID_CA) {
+        return CertificateTrouble::untrusted;
+    }
+    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID) != 0 ||
+        error == ERROR_WINHTTP_SECURE_CERT_CN_INVALID) {
+        return CertificateTrouble::wrongHost;
+    }
+    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_DATE_INVALID) != 0 ||
+        error == ERROR_WINHTTP_SECURE_CERT_DATE_INVALID) {
+        return CertificateTrouble::expired;
+    }
+    return CertificateTrouble::unknown;
+}
+
+}  // namespace
+
+WinHttpExchange::WinHttpExchange(HINTERNET session, const TransportOptions& options,
+                                 const Request& request, const Limits& limits, RequestBody& body,
+                                 Receiver& receiver)
+    : m_session(session),
+      m_options(options),
+      m_request(request),
+      m_limits(limits),
+      m_body(body),
+      m_receiver(receiver) {
+}
+
+DWORD WinHttpExchange::Open() {
+    const bool elsewhere = !m_request.connectHost.empty();
+    const std::wstring host = Widen(elsewhere ? m_request.connectHost : m_request.host);
+    m_connection.reset(WinHttpConnect(m_session, host.c_str(),
+                                      elsewhere ? m_request.connectPort : m_request.port, 0));
+    if (!m_connection) {
+        return GetLastError();
+    }
+    // the target goes out as it stands
+    const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
+                        (m_request.https ? WINHTTP_FLAG_SECURE : 0);
+    const std::wstring method = Widen(m_request.method);
+    const std::wstring target = Widen(m_request.target);
+    InternetHandle request(WinHttpOpenRequest(m_connection.get(), method.c_str(), target.c_str(),
+                                              L"HTTP/1.1", WINHTTP_NO_REFERER,
+                                              WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
+    if (!request || !SetOptions(request.get()) || !AddHeaders(request.get())) {
+        return GetLastError();
+    }
+    m_async.emplace(std::move(request));
+    return m_async->Error();
+}
+
+bool WinHttpExchange::SetOptions(HINTERNET request) const {
+    const int connect = Behind(m_limits.connect);
+    const int stall = Behind(m_limits.stall);
+    bool set = WinHttpSetTimeouts(request, connect, connect, stall, stall) != FALSE &&
+               SetNumber(request, WINHTTP_OPTION_DISABLE_FEATURE,
+                         WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS |
+                             WINHTTP_DISABLE_AUTHENTICATION);
+    // systems without these options have no such bound; the answer is checked again later
+    SetNumber(request, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, static_cast<DWORD>(stall));
+    SetNumber(request, WINHTTP_OPTION_MAX_RESPONSE_HEADER_SIZE, kMaxHeadBytes);
+    if (m_request.https) {
+        WinHttpSetOption(request, WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
+                         WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
+        if (!m_options.verifyCertificates) {
+            set = set && SetNumber(request, WINHTTP_OPTION_SECURITY_FLAGS,
+                                   SECURITY_FLAG_IGNORE_UNKNOWN_CA |
+                                       SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
+                                       SECURITY_FLAG_IGNORE_CERT_CN_INVALID |
+                                       SECURITY_FLAG_IGNORE_CERT_WRONG_USAGE);
+        }
+    }
+    return set;
+}
+
+bool WinHttpExchange::AddHeaders(HINTERNET request) const {
+    const auto add = [request](const std::string& name, const std::string& value) {
+        const std::wstring line = Widen(name + ": " + value + "\r\n");
+        return WinHttpAddRequestHeaders(request, line.c_str(), static_cast<DWORD>(line.size()),
+                                        WINHTTP_ADDREQ_FLAG_ADD) != FALSE;
+    };
+    for (const auto& [name, value] : m_request.headers) {
+        if (!add(name, value)) {
+            return false;
+        }
+    }
+    // as a header of our own, because WinHTTP's parameter ends at 4 GiB
+    return !AnnouncesLength(m_request) || add("Content-Length", std::to_string(m_body.Length()));
+}
+
+Result WinHttpExchange::Fail(Failure failure) const {
+    return {failure, ErrorWords(m_async->Error())};
+}
+
+Result WinHttpExchange::Late(const char* doing) const {
+    return {Failure::timeout, "nothing moved for " + std::to_string(m_limits.stall.count()) +
+                                  " ms " + doing + ", " + std::to_string(m_body.Taken()) + " of " +
+                                  std::to_string(m_body.Length()) + " body bytes sent"};
+}
+
+Result WinHttpExchange::FailConnect(Outcome outcome) const {
+    if (outcome == Outcome::late) {
+        return {Failure::connect,
+                "not connected within " + std::to_string(m_limits.connect.count()) + " ms"};
+    }
+    const DWORD error = m_async->Error();
+    const DWORD flags = m_async->SecureFlags();
+    if (flags != 0 || IsTls(error)) {
+        const std::string trouble = Describe(TroubleOf(flags, error), m_request.host);
+        const std::string words = ErrorWords(error);
+        return {Failure::tls, trouble.empty() ? words : trouble + ": " + words};
+    }
+    return Fail(error == ERROR_WINHTTP_NAME_NOT_RESOLVED ? Failure::resolve : Failure::connect);
+}
+
+Result WinHttpExchange::SendAll() {
+    Outcome outcome = m_async->Send(m_limits.connect, m_limits.stall);
+    if (outcome != Outcome::done) {
+        if (!m_async->Connected()) {
+            return FailConnect(outcome);
+        }
+        if (outcome == Outcome::late) {
+            return Late("while sending");
+        }
+    }
+    while (outcome == Outcome::done && m_body.Left() != 0) {
+        const std::size_t got = m_body.Read(m_async->Buffer(), AsyncRequest::kBufferSize);
+        if (got == 0) {
+            return {Failure::send, "the request's body ended early, " +
+                                       std::to_string(m_body.Taken()) + " of " +
+                                       std::to_string(m_body.Length()) + " body bytes sent"};
+        }
+        outcome = m_async->Write(got, m_limits.stall);
+        if (outcome == Outcome::late) {
+            return Late("while sending");
+        }
+    }
+    if (outcome == Outcome::failed) {
+        const DWORD error = m_async->Error();
+        m_sendFailure = IsTimeout(error) ? Late("while sending") : Fail(Failure::send);
+        m_broke = !IsTimeout(error);
+    }
+    return {};
+}
+
+std::string WinHttpExchange::RawHead() const {
+    DWORD bytes = 0;
+    WinHttpQueryHeaders(m_async->Handle(), WINHTTP_QUERY_RAW_HEADERS_CRLF,
+                        WINHTTP_HEADER_NAME_BY_INDEX, WINHTTP_NO_OUTPUT_BUFFER, &bytes,
+                        WINHTTP_NO_HEADER_INDEX);
+    std::wstring wide(bytes / sizeof(wchar_t), L'\0');
+    if (wide.empty() || !WinHttpQueryHeaders(m_async->Handle(), WINHTTP_QUERY_RAW_HEADERS_CRLF,
+                                             WINHTTP_HEADER_NAME_BY_INDEX, wide.data(), &bytes,
+                                             WINHTTP_NO_HEADER_INDEX)) {
+        return {};
+    }
+    wide.resize(bytes / sizeof(wchar_t));
+    return Narrow(wide);
+}
+
+Result WinHttpExchange::ReceiveHead() {
+    const AsyncRequest::Clock::time_point deadline = AsyncRequest::Clock::now() + m_limits.stall;
+    for (;;) {
+        const Outcome outcome = m_async->Receive(deadline);
+        if (outcome == Outcome::late) {
+            return Late("while waiting for the answer's head");
+        }
+        if (outcome == Outcome::failed) {
+            m_broke = true;
+            return IsTimeout(m_async->Error()) ? Late("while waiting for the answer's head")
+                                               : Fail(Failure::receive);
+        }
+        const HeadReader::State state = m_head.AddHead(RawHead());
+        if (state == HeadReader::State::complete) {
+            return {};
+        }
+        if (state == HeadReader::State::refused) {
+            return {Failure::receive, m_head.Error()};
+        }
+        // an interim head was passed up to us: the final one follows
+    }
+}
+
+Result WinHttpExchange::ReceiveBody() {
+    BodyLedger ledger(m_request.method, m_head.Head());
+    for (;;) {
+        std::size_t size = 0;
+        const Outcome outcome = m_async->Read(size, m_limits.stall);
+        if (outcome == Outcome::late ||
+            (outcome == Outcome::failed && IsTimeout(m_async->Error()))) {
+            return Late("while receiving the answer's body");
+        }
+        if (outcome == Outcome::failed) {
+            if (ledger.GetFraming() != BodyLedger::Framing::untilClose &&
+                ledger.IsComplete(false)) {
+                return {};
+            }
+            return {Failure::truncated, ledger.Shortfall() + ": " + ErrorWords(m_async->Error())};
+        }
+        if (size == 0) {
+            break;
+        }
+        ledger.Add(size);
+        if (m_receiver.OnBody(m_async->Buffer(), size) == Receiver::Want::enough) {
+            return {};
+        }
+    }
+    // Not every system fails the read when the connection closes inside a chunked body, but the
+    // close itself can be seen: nobody reads on after a last chunk. What cannot be seen there is
+    // a close right after the head, before any chunk: it passes as an empty body.
+    if (!ledger.IsComplete(!m_async->SawClose())) {
+        return {Failure::truncated, ledger.Shortfall()};
+    }
+    return {};
+}
+
+Result WinHttpExchange::Run() {
+    if (const DWORD error = Open(); error != ERROR_SUCCESS) {
+        return {Failure::connect, "the request could not be set up: " + ErrorWords(error)};
+    }
+    Result result = SendAll();
+    if (result.failure != Failure::none) {
+        return result;
+    }
+    result = ReceiveHead();
+    if (result.failure != Failure::none) {
+        return m_sendFailure ? *m_sendFailure : result;
+    }
+    if (m_receiver.OnHead(m_head.Head()) == Receiver::Want::enough) {
+        return {};
+    }
+    return ReceiveBody();
+}
+
+bool WinHttpExchange::WasStale() const {
+    return m_broke && m_async && !m_async->MadeConnection() && !m_async->HasReceived();
+}
+
+}  // namespace Mirqos::Http

@@ -1,0 +1,187 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <limits>
+#include <mutex>
+#include <string>
+
+#include "sdk/core/http/Transport.h"
+#include "tests/support/Gate.h"
+#include "tests/support/HttpExchange.h"
+#include "tests/support/RawServer.h"
+
+namespace Mirqos::Test {
+namespace {
+
+using Http::Failure;
+using Connection = RawServer::Connection;
+using namespace std::chrono_literals;
+
+/// The limit under test is short, the other one out of reach.
+constexpr Http::Limits kShortStall{60s, 300ms};
+constexpr Http::Limits kShortConnect{300ms, 60s};
+
+Http::Result Get(const RawServer& server, const Http::Limits& limits, KeptAnswer& answer) {
+    return Http::MakeTransport({})->Exchange(LoopbackRequest(server.Port(), "GET", "/b/k"), limits,
+                                             answer);
+}
+
+/// Lets a server send a byte now and then until the test has seen enough: a trickle needs time to
+/// pass, and nothing depends on how much.
+class Trickle {
+public:
+    void Run(Connection& connection, const std::string& bytes,
+             int times = std::numeric_limits<int>::max()) {
+        std::unique_lock lock(m_mutex);
+        for (int i = 0; i < times && !m_stop; ++i) {
+            lock.unlock();
+            connection.Send(bytes);
+            lock.lock();
+            m_stopped.wait_for(lock, 10ms, [this] { return m_stop; });
+        }
+    }
+    ~Trickle() { Stop(); }
+    void Stop() {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+        m_stopped.notify_all();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_stopped;
+    bool m_stop = false;
+};
+
+TEST(TransportLimits, AServerThatNeverAnswersIsLeft) {
+    RawServer server([](Connection& connection, int) { connection.AwaitClose(); });
+    KeptAnswer answer;
+    const Http::Result result = Get(server, kShortStall, answer);
+    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+    EXPECT_NE(result.message.find("300 ms"), std::string::npos) << result.message;
+    EXPECT_EQ(answer.heads, 0);
+    EXPECT_EQ(server.Accepts(), 1);
+}
+
+TEST(TransportLimits, AServerThatDoesNotReadIsLeft) {
+    // more than every buffer between the two ends holds
+    constexpr std::uint64_t size = 256 * 1024 * 1024;
+    Gate over;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        over.Pass();
+    });
+    LongStream body(size);
+    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+    request.body = &body;
+    request.bodyLength = size;
+    KeptAnswer answer;
+    const Http::Result result = Http::MakeTransport({})->Exchange(request, kShortStall, answer);
+    over.Open();
+    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+    EXPECT_NE(result.message.find("while sending"), std::string::npos) << result.message;
+}
+
+TEST(TransportLimits, AHeadThatStopsIsLeft) {
+    RawServer server([](Connection& connection, int) {
+        connection.ReadHead();
+        connection.Send("HTTP/1.1 200 OK\r\nContent-Len");
+        connection.AwaitClose();
+    });
+    KeptAnswer answer;
+    const Http::Result result = Get(server, kShortStall, answer);
+    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+    EXPECT_EQ(answer.heads, 0);
+}
+
+TEST(TransportLimits, AHeadThatTricklesInIsLeft) {
+    Trickle trickle;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        connection.Send("HTTP/1.1 200 OK\r\n");
+        trickle.Run(connection, "x: y\r\n");
+    });
+    KeptAnswer answer;
+    const Http::Result result = Get(server, kShortStall, answer);
+    trickle.Stop();
+    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+    EXPECT_EQ(answer.heads, 0);
+}
+
+TEST(TransportLimits, EndlessInterimHeadsAreLeft) {
+    Trickle trickle;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        trickle.Run(connection, "HTTP/1.1 102 Processing\r\n\r\n");
+    });
+    KeptAnswer answer;
+    const Http::Result result = Get(server, kShortStall, answer);
+    trickle.Stop();
+    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+    EXPECT_EQ(answer.heads, 0);
+}
+
+TEST(TransportLimits, ABodyThatStopsIsLeft) {
+    for (const char* const framing :
+         {"Content-Length: 500\r\n\r\nhello", "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n"}) {
+        RawServer server([&](Connection& connection, int) {
+            connection.ReadHead();
+            connection.Send(std::string("HTTP/1.1 200 OK\r\n") + framing);
+            connection.AwaitClose();
+        });
+        KeptAnswer answer;
+        const Http::Result result = Get(server, kShortStall, answer);
+        EXPECT_EQ(result.failure, Failure::timeout) << result.message;
+        EXPECT_NE(result.message.find("while receiving"), std::string::npos) << result.message;
+        EXPECT_EQ(answer.heads, 1);
+    }
+}
+
+TEST(TransportLimits, ASlowBodyThatMovesIsNotLeft) {
+    Trickle trickle;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n");
+        trickle.Run(connection, "x", 200);  // takes at least 2 s
+        connection.AwaitClose();
+    });
+    KeptAnswer answer;
+    const Http::Result result = Get(server, {60s, 1500ms}, answer);
+    trickle.Stop();
+    EXPECT_EQ(result.failure, Failure::none) << result.message;
+    EXPECT_EQ(answer.body, std::string(200, 'x'));
+}
+
+TEST(TransportLimits, AHandshakeThatNeverEndsIsLeft) {
+    RawServer server([](Connection& connection, int) { connection.AwaitClose(); });
+    Http::Request request = LoopbackRequest(server.Port(), "GET", "/b/k");
+    request.https = true;
+    request.host = "localhost";
+    KeptAnswer answer;
+    const Http::Result result = Http::MakeTransport({})->Exchange(request, kShortConnect, answer);
+    EXPECT_EQ(result.failure, Failure::connect) << result.message;
+}
+
+TEST(TransportLimits, ATransportGoesOnAfterATimeOut) {
+    RawServer server([](Connection& connection, int number) {
+        connection.ReadHead();
+        if (number != 0) {
+            connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+        }
+        connection.AwaitClose();
+    });
+    Http::TransportOptions options;
+    options.maxConnections = 1;
+    const auto transport = Http::MakeTransport(options);
+    const Http::Request request = LoopbackRequest(server.Port(), "GET", "/b/k");
+    KeptAnswer late;
+    EXPECT_EQ(transport->Exchange(request, kShortStall, late).failure, Failure::timeout);
+    KeptAnswer answer;
+    EXPECT_EQ(transport->Exchange(request, {60s, 60s}, answer).failure, Failure::none);
+    EXPECT_EQ(answer.heads, 1);
+}
+
+}  // namespace
+}  // namespace Mirqos::Test
