@@ -1,0 +1,416 @@
+#!/usr/bin/env python3
+"""Drives the built program against a real S3 server, as a user would.
+
+    tool_test.py [--runner RUNNER] PROGRAM
+
+The server is the one that MIRQOS_S3_ENDPOINT, _REGION, _ACCESS_KEY and _SECRET_KEY name, or without
+them the file of such lines that MIRQOS_S3_ENV names. RUNNER starts programs built for another
+system.
+"""
+
+import argparse
+import hashlib
+import http.server
+import os
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+import uuid
+
+LIMIT = 120  # seconds for one run of the program, so that a hung one fails
+PART = 8 << 20
+OVERLAP = 16
+WRONG_SECRET = "wr0ngS3cretThatMustNotBeShownAnywhere123"
+COMMAND = []
+
+
+def server():
+    names = ("ENDPOINT", "REGION", "ACCESS_KEY", "SECRET_KEY")
+    values = {name: os.environ.get("MIRQOS_S3_" + name, "") for name in names}
+    if not values["ENDPOINT"]:
+        with open(os.environ["MIRQOS_S3_ENV"]) as lines:
+            given = dict(line.rstrip("\n").split("=", 1) for line in lines if "=" in line)
+        values = {name: given["MIRQOS_S3_" + name] for name in names}
+    return values
+
+
+def environment(**changes):
+    """What the program sees: the server and the keys, nothing of the user's own."""
+    kept = {n: v for n, v in os.environ.items() if not n.startswith(("MIRQOS_S3_", "AWS_"))}
+    s3 = server()
+    kept.update(MIRQOS_ENDPOINT="http://" + s3["ENDPOINT"], MIRQOS_REGION=s3["REGION"],
+                MIRQOS_ACCESS_KEY=s3["ACCESS_KEY"], MIRQOS_SECRET_KEY=s3["SECRET_KEY"])
+    kept.update(changes)
+    return {n: v for n, v in kept.items() if v is not None}
+
+
+def digest(path):
+    with open(path, "rb") as file:
+        return hashlib.sha256(file.read()).hexdigest()
+
+
+class Case(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="mirqos-tool-")
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def run_tool(self, *arguments, env=None):
+        """Runs the program in the test's folder. The secrets never come out of it."""
+        env = env or environment()
+        done = subprocess.run(COMMAND + list(arguments), env=env, cwd=self.folder, timeout=LIMIT,
+                              stdin=subprocess.DEVNULL, capture_output=True)
+        out = done.stdout.decode("utf-8").replace("\r\n", "\n")
+        err = done.stderr.decode("utf-8").replace("\r\n", "\n")
+        for secret in (server()["SECRET_KEY"], WRONG_SECRET):
+            self.assertNotIn(secret, out + err)
+        return done.returncode, out, err
+
+    def succeed(self, *arguments, **more):
+        code, out, err = self.run_tool(*arguments, **more)
+        self.assertEqual((code, err), (0, ""), (arguments, out))
+        return out
+
+    def fail_with(self, expected, *arguments, **more):
+        code, out, err = self.run_tool(*arguments, **more)
+        self.assertEqual((code, out), (expected, ""), (arguments, err))
+        self.assertEqual(err.count("\n"), 1, err)
+        self.assertTrue(err.startswith("mirqos: "), err)
+        return err
+
+    def write(self, name, size):
+        with open(self.path(name), "wb") as file:
+            file.write(random.Random(size).randbytes(size))
+        return name
+
+    def bucket(self):
+        name = "tool-" + uuid.uuid4().hex
+        self.succeed("mb", "s3://" + name)
+        return "s3://" + name
+
+    def files(self):
+        return sorted(os.listdir(self.folder))
+
+
+class Objects(Case):
+    def test_files_of_every_size_come_back_the_same(self):
+        bucket = self.bucket()
+        for size in (1, 1000, PART - 1, PART, PART + 1, 2 * PART - OVERLAP, 2 * PART, 20 << 20):
+            for threads in ("1", "4"):
+                with self.subTest(size=size, threads=threads):
+                    url = "%s/size-%d" % (bucket, size)
+                    self.write("in", size)
+                    self.assertIn("put " + url, self.succeed("put", "in", url))
+                    self.assertIn("got " + url,
+                                  self.succeed("get", url, "out", "--threads", threads))
+                    self.assertEqual(digest(self.path("in")), digest(self.path("out")))
+                    self.succeed("get", url, "out", "--threads", threads, "--size", str(size))
+                    self.assertEqual(digest(self.path("in")), digest(self.path("out")))
+                    self.assertEqual(self.files(), ["in", "out"])
+
+    def test_an_empty_file_comes_back_empty_where_the_user_says_so(self):
+        url = self.bucket() + "/empty"
+        self.write("in", 0)
+        self.succeed("put", "in", url)
+        self.succeed("get", url, "out", "--size", "0")
+        self.assertEqual(os.path.getsize(self.path("out")), 0)
+        self.assertEqual(self.files(), ["in", "out"])
+
+    def test_an_object_of_which_nothing_could_be_read_is_not_taken_for_empty(self):
+        url = self.bucket() + "/empty"
+        self.write("in", 0)
+        self.succeed("put", "in", url)
+        self.assertIn("--size 0", self.fail_with(1, "get", url, "out"))
+        self.assertEqual(self.files(), ["in"])
+
+    def test_another_size_than_given_is_an_error_and_leaves_no_file(self):
+        url = self.bucket() + "/object"
+        self.write("in", 1000)
+        self.succeed("put", "in", url)
+        for wrong in ("0", "999", "1001"):
+            self.assertIn("--size", self.fail_with(1, "get", url, "out", "--size", wrong))
+        self.assertEqual(self.files(), ["in"])
+
+    def test_keys_with_odd_characters_are_kept_apart(self):
+        bucket = self.bucket()
+        keys = ["a b", "a+b", "a%20b", "a@b", "a/b//c", "/a", "a?b=c&d", "a#b", "a*b",
+                "\u00e4\u20ac\u65e5", "a'b", "a\"b"]
+        for number, key in enumerate(keys):
+            self.write("in%d" % number, 10 + number)
+            self.succeed("put", "in%d" % number, "%s/%s" % (bucket, key))
+        for number, key in enumerate(keys):
+            with self.subTest(key=key):
+                self.succeed("get", "%s/%s" % (bucket, key), "out")
+                self.assertEqual(digest(self.path("in%d" % number)), digest(self.path("out")))
+
+    def test_file_names_may_be_any_text(self):
+        url = self.bucket() + "/key"
+        for name in ("a b.txt", "\u00e4\u20ac\u65e5.bin", "-dash"):
+            with self.subTest(name=name):
+                self.write(name, 100)
+                self.succeed("put", "--", name, url)
+                self.succeed("get", "--", url, name + ".copy")
+                self.assertEqual(digest(self.path(name)), digest(self.path(name + ".copy")))
+
+    def test_a_removed_object_is_gone(self):
+        url = self.bucket() + "/object"
+        self.write("in", 10)
+        self.succeed("put", "in", url)
+        self.assertIn("removed " + url, self.succeed("rm", url))
+        self.fail_with(1, "get", url, "out")
+        self.succeed("rm", url)
+
+    def test_quiet_says_nothing(self):
+        bucket = self.bucket()
+        self.write("in", 10)
+        for arguments in (("put", "in", bucket + "/k"), ("get", bucket + "/k", "out"),
+                          ("rm", bucket + "/k")):
+            self.assertEqual(self.succeed("--quiet", *arguments), "")
+
+    def test_an_existing_file_is_replaced_only_by_a_whole_object(self):
+        bucket = self.bucket()
+        self.write("in", 10)
+        self.write("out", 20)
+        before = digest(self.path("out"))
+        self.fail_with(1, "get", bucket + "/missing", "out")
+        self.assertEqual(digest(self.path("out")), before)
+        self.succeed("put", "in", bucket + "/k")
+        self.succeed("get", bucket + "/k", "out")
+        self.assertEqual(digest(self.path("out")), digest(self.path("in")))
+
+
+class Failures(Case):
+    def test_a_missing_key_says_so(self):
+        bucket = self.bucket()
+        message = self.fail_with(1, "get", bucket + "/no such", "out")
+        for part in ("ReadObject", "status ", "'%s'" % bucket[5:], "'no such'", "no such object"):
+            self.assertIn(part, message)
+        self.assertEqual(self.files(), [])
+
+    def test_a_missing_bucket_says_so(self):
+        self.write("in", 10)
+        bucket = "tool-none-" + uuid.uuid4().hex
+        for name, arguments in (("ReadObject", ("get", "s3://%s/k" % bucket, "out")),
+                                ("WriteObject", ("put", "in", "s3://%s/k" % bucket)),
+                                ("DeleteObject", ("rm", "s3://%s/k" % bucket))):
+            message = self.fail_with(1, *arguments)
+            for part in (name, "status ", "'%s'" % bucket, "'k'", "no such bucket"):
+                self.assertIn(part, message)
+        self.assertEqual(self.files(), ["in"])
+
+    def test_a_wrong_secret_is_named_but_never_shown(self):
+        self.write("in", 10)
+        url = self.bucket() + "/k"
+        wrong = environment(MIRQOS_SECRET_KEY=WRONG_SECRET, MIRQOS_LOG_FILE=self.path("log"))
+        for arguments in (("put", "in", url), ("get", url, "out"), ("rm", url),
+                          ("mb", "s3://tool-" + uuid.uuid4().hex)):
+            message = self.fail_with(1, *arguments, "--log-level", "trace", env=wrong)
+            self.assertIn("status 22,", message)
+            self.assertIn("secret key", message)
+        message = self.fail_with(1, "put", "in", url, "--secret-key", WRONG_SECRET)
+        self.assertIn("status 22,", message)
+        for name in self.files():
+            with open(self.path(name), "rb") as file:
+                self.assertNotIn(WRONG_SECRET.encode(), file.read(), name)
+
+    def test_an_unknown_access_key_is_named(self):
+        self.write("in", 10)
+        message = self.fail_with(1, "put", "in", self.bucket() + "/k",
+                                 env=environment(MIRQOS_ACCESS_KEY="NOBODYKNOWSTHISKEY00"))
+        self.assertIn("status 23,", message)
+
+    def test_missing_keys_are_a_usage_error(self):
+        self.assertIn("MIRQOS_SECRET_KEY", self.fail_with(
+            2, "rm", "s3://bucket/key", env=environment(MIRQOS_SECRET_KEY=None)))
+        self.assertIn("MIRQOS_ACCESS_KEY", self.fail_with(
+            2, "rm", "s3://bucket/key",
+            env=environment(MIRQOS_SECRET_KEY=None, MIRQOS_ACCESS_KEY=None)))
+
+    def test_wrong_command_lines_are_usage_errors(self):
+        for arguments in ((), ("nonsense",), ("put",), ("put", "a"), ("get", "a", "b", "c"),
+                          ("get", "b/k", "out"), ("get", "s3://b", "out"), ("mb", "s3://b/k"),
+                          ("rm", "s3://b/k", "--size", "1"), ("rm", "s3://b/k", "--nothing"),
+                          ("rm", "s3://b/k", "--threads", "0"), ("help", "nonsense"),
+                          ("get", "s3://b/k", "out", "--size", "-1")):
+            self.fail_with(2, *arguments)
+        self.assertEqual(self.files(), [])
+
+    def test_a_stray_secret_is_not_repeated(self):
+        self.fail_with(2, "rm", "s3://b/k", WRONG_SECRET)
+        self.fail_with(2, WRONG_SECRET)
+        self.fail_with(2, "rm", "s3://b/k", "--secret=" + WRONG_SECRET)
+        self.fail_with(2, "rm", "s3://x:%s@b/k" % WRONG_SECRET)
+
+    def test_local_trouble_is_told_apart(self):
+        bucket = self.bucket()
+        os.mkdir(self.path("folder"))
+        self.assertIn("none", self.fail_with(3, "put", "none", bucket + "/k"))
+        self.fail_with(3, "put", "folder", bucket + "/k")
+        self.write("in", 10)
+        self.succeed("put", "in", bucket + "/k")
+        self.fail_with(3, "get", bucket + "/k", "folder")
+        self.fail_with(3, "get", bucket + "/k", os.path.join("none", "out"))
+        self.write("taken.part", 5)
+        self.assertIn("taken.part", self.fail_with(3, "get", bucket + "/k", "taken"))
+        self.assertEqual(self.files(), ["folder", "in", "taken.part"])
+
+
+class Service(http.server.BaseHTTPRequestHandler):
+    """Says what the case's `answer` says; for what a real server does not do on demand."""
+    protocol_version = "HTTP/1.1"
+
+    def do_GET(self):
+        self.server.answer(self)
+
+    def do_HEAD(self):
+        self.send(404, b"")
+
+    def send(self, status, body):
+        self.send_response(status)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        if self.command != "HEAD":
+            self.wfile.write(body)
+
+    def range(self):
+        first, last = self.headers["Range"].split("=")[1].split("-")
+        return int(first), int(last)
+
+    def refuse(self, status, code):
+        self.send(status, ("<?xml version=\"1.0\"?><Error><Code>%s</Code><Message>m</Message>"
+                           "</Error>" % code).encode())
+
+    def log_message(self, *_):
+        pass
+
+
+class Scripted(Case):
+    """What a real server does not do on demand."""
+
+    def serve(self, answer):
+        service = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Service)
+        service.daemon_threads = True
+        service.block_on_close = False
+        service.answer = answer
+        threading.Thread(target=service.serve_forever, daemon=True).start()
+        self.addCleanup(service.server_close)
+        self.addCleanup(service.shutdown)
+        return environment(MIRQOS_ENDPOINT="http://127.0.0.1:%d" % service.server_port)
+
+    def test_an_empty_object_is_recognised_where_the_service_ignores_impossible_ranges(self):
+        def answer(request):
+            first, last = request.range()
+            if first <= last:
+                request.refuse(416, "InvalidRange")
+            else:
+                request.send(200, b"")
+        self.succeed("get", "s3://bucket/k", "out", env=self.serve(answer))
+        self.assertEqual(os.path.getsize(self.path("out")), 0)
+
+    def test_an_archived_object_is_not_taken_for_empty(self):
+        env = self.serve(lambda request: request.refuse(403, "InvalidObjectState"))
+        self.fail_with(1, "get", "s3://bucket/k", "out", env=env)
+        self.assertEqual(self.files(), [])
+
+    def test_a_failure_in_the_middle_fails_the_whole_and_leaves_no_file(self):
+        data = random.Random(1).randbytes(3 * PART)
+
+        def answer(request):
+            first, last = request.range()
+            if first <= PART + PART // 2 <= last:
+                request.refuse(403, "AccessDenied")
+            elif first >= len(data):
+                request.refuse(416, "InvalidRange")
+            else:
+                request.send(206, data[first:last + 1])
+        for threads in ("1", "4"):
+            message = self.fail_with(1, "get", "s3://bucket/k", "out", "--threads", threads,
+                                     env=self.serve(answer))
+            self.assertIn("status 15,", message)
+            self.assertEqual(self.files(), [])
+
+    def test_an_object_replaced_meanwhile_is_noticed_and_leaves_no_file(self):
+        versions = [random.Random(n).randbytes(2 * PART + 5) for n in (1, 2)]
+
+        def answer(request):
+            first, last = request.range()
+            request.send(206, versions[first > 0][first:last + 1])
+        message = self.fail_with(1, "get", "s3://bucket/k", "out", "--threads", "1",
+                                 env=self.serve(answer))
+        self.assertIn("changed", message)
+        self.assertEqual(self.files(), [])
+
+    @unittest.skipIf(os.name == "nt", "the signal is a POSIX one")
+    def test_an_interrupt_ends_it_and_leaves_no_file(self):
+        if len(COMMAND) > 1:
+            self.skipTest("a runner does not pass the interrupt on")
+        data = random.Random(1).randbytes(2 * PART)
+        reached = threading.Event()
+        release = threading.Event()
+        self.addCleanup(release.set)
+
+        def answer(request):
+            first, last = request.range()
+            if first == 0:
+                request.send(206, data[first:last + 1])
+            else:
+                reached.set()
+                release.wait(LIMIT)  # as a stalled server does
+        env = self.serve(answer)
+        tool = subprocess.Popen(COMMAND + ["get", "s3://bucket/k", "out"], env=env,
+                                cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        try:
+            self.assertTrue(reached.wait(LIMIT))
+            self.assertEqual(self.files(), ["out.part"])
+            tool.send_signal(signal.SIGINT)
+            _, err = tool.communicate(timeout=LIMIT)
+        finally:
+            tool.kill()
+            tool.wait()
+        self.assertEqual(tool.returncode, 130, err)
+        self.assertIn(b"interrupted", err)
+        self.assertEqual(self.files(), [])
+
+
+class Help(Case):
+    def test_help_names_commands_options_variables_and_exit_codes(self):
+        text = self.succeed("--help")
+        for part in ("put FILE", "get s3://", "mb s3://", "rm s3://", "--endpoint",
+                     "MIRQOS_SECRET_KEY", "Exit codes", "Example"):
+            self.assertIn(part, text)
+        self.assertLessEqual(max(len(line) for line in text.split("\n")), 80)
+        self.assertEqual(self.succeed("help"), text)
+        self.assertEqual(self.succeed("-h"), text)
+
+    def test_every_command_explains_itself(self):
+        for command in ("put", "get", "mb", "rm"):
+            text = self.succeed("help", command)
+            self.assertIn("Usage: mirqos " + command, text)
+            self.assertIn("Example", text)
+            self.assertLessEqual(max(len(line) for line in text.split("\n")), 80)
+            self.assertEqual(self.succeed(command, "--help"), text)
+
+    def test_the_version_is_told(self):
+        self.assertRegex(self.succeed("--version"), r"^mirqos \d+\.\d+\.\d+\n$")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n", 1)[0])
+    parser.add_argument("--runner")
+    parser.add_argument("program")
+    options, rest = parser.parse_known_args()
+    COMMAND.extend(([options.runner] if options.runner else []) + [options.program])
+    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/mirqos/Arguments.h"
+
+namespace Mirqos::Tool {
+
+class Interruption;
+struct Settings;
+
+/// What a command runs with.
+struct Invocation {
+    const Arguments& arguments;
+    std::vector<std::string> operands;  ///< as many as the command asks for
+    const Settings& settings;
+    Interruption& interruption;
+
+    /// A result line on the output stream, unless --quiet.
+    void Report(const std::string& line) const;
+};
+
+/// A command: a row of the table, and a short source for its `run`.
+struct Command {
+    std::string_view name;
+    std::string_view operands;     ///< as the help shows them
+    std::string_view summary;      ///< one line
+    std::string_view description;  ///< paragraphs and examples
+    std::size_t operandCount;
+    std::vector<Option> options;  ///< its own, beside the common ones
+    /// Throws Failure; returning is success.
+    void (*run)(const Invocation& invocation);
+};
+
+}  // namespace Mirqos::Tool

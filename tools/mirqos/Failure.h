@@ -1,0 +1,28 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace Mirqos::Tool {
+
+/// What the program answers to its caller. The help text lists them, scripts rely on them.
+enum class ExitCode : int {
+    Success = 0,
+    OperationFailed = 1,  ///< the service or the network refused or failed
+    Usage = 2,            ///< the command line or the environment is wrong
+    LocalFile = 3,        ///< a file of this machine could not be read or written
+    Interrupted = 130,    ///< Ctrl-C, as shells report it
+};
+
+/// Ends a command: `what()` is the one line that the user reads. It never holds a secret.
+class Failure : public std::runtime_error {
+public:
+    Failure(ExitCode code, const std::string& message)
+        : std::runtime_error(message), m_code(code) {}
+    ExitCode Code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
+}  // namespace Mirqos::Tool

@@ -1,0 +1,70 @@
+#include "tools/mirqos/Session.h"
+
+#include <cassert>
+#include <limits>
+
+#include "tools/mirqos/Failure.h"
+#include "tools/mirqos/Statuses.h"
+#include "tools/mirqos/Text.h"
+
+namespace Mirqos::Tool {
+
+namespace {
+
+CloudStoreContext StartWith(const Settings& settings) {
+    CloudStoreContext context;
+    context.m_nLogLevel = settings.logLevel;
+    return context;
+}
+
+bool BucketAnswers(const std::string& bucket, MIRQOSInterface& store) {
+    CloudStoreHeadBucketConext head;
+    head.m_pszBucket = bucket.c_str();
+    return store.HeadBucket(&head) == 0 && head.m_bExists;
+}
+
+}  // namespace
+
+Session::Session(const Settings& settings)
+    : m_settings(settings), m_engine(true, StartWith(settings)) {
+}
+
+StorePointer Session::OpenStore(const std::string& bucket, std::uint64_t readRoom) const {
+    assert(readRoom <= std::numeric_limits<std::int32_t>::max());
+    CloudStoreConfigInfo config;
+    config.m_pszBucket = bucket.c_str();
+    config.m_pszAccessKeyId = m_settings.accessKey.c_str();
+    config.m_pszSecretKey = m_settings.secretKey.c_str();
+    config.m_pszRegion = m_settings.region.empty() ? nullptr : m_settings.region.c_str();
+    config.m_pszEndPoint = m_settings.endpoint.empty() ? nullptr : m_settings.endpoint.c_str();
+    config.m_bUseHttps = m_settings.https ? 1 : 0;
+    config.m_nProviderType = m_settings.provider;
+    config.m_nBufferSize = static_cast<std::int32_t>(readRoom);
+    // no executor: nothing asynchronous is asked of it, the program's own threads call
+    StorePointer store(CreateCloudStoreInterface(nullptr));
+    const std::int32_t status = store->Init(&config);
+    if (status != 0) {
+        throw Failure(ExitCode::OperationFailed,
+                      "Init failed with status " + std::to_string(status));
+    }
+    return store;
+}
+
+void CheckStatus(std::int32_t status, const char* operation, const ObjectUrl& url,
+                 MIRQOSInterface& store) {
+    if (status == 0) {
+        return;
+    }
+    std::string why = ExplainStatus(status);
+    if (IsS3Status(status) && !url.key.empty()) {
+        why = BucketAnswers(url.bucket, store)
+                  ? "the bucket is there; check the key, most likely there is no such object"
+                  : "most likely there is no such bucket, or these credentials may not see it";
+    }
+    const std::string key = url.key.empty() ? "" : ", key '" + Printable(url.key) + "'";
+    throw Failure(ExitCode::OperationFailed, std::string(operation) + " failed for bucket '" +
+                                                 url.bucket + "'" + key + ": status " +
+                                                 std::to_string(status) + ", " + why);
+}
+
+}  // namespace Mirqos::Tool

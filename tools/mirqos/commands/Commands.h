@@ -1,0 +1,18 @@
+#pragma once
+
+#include <vector>
+
+#include "tools/mirqos/Command.h"
+
+namespace Mirqos::Tool {
+
+/// All commands, in the order of the help.
+const std::vector<Command>& Commands();
+
+// The rows, each in a source of its own.
+Command PutCommand();
+Command GetCommand();
+Command MakeBucketCommand();
+Command RemoveCommand();
+
+}  // namespace Mirqos::Tool

@@ -1,0 +1,50 @@
+#include "tools/mirqos/Console.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace Mirqos::Tool {
+
+namespace {
+
+void Write(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(descriptor, text.data(), text.size());
+        if (count >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return;
+        }
+    }
+}
+
+constexpr unsigned kUsualColumns = 80;
+
+}  // namespace
+
+void WriteOutput(std::string_view text) {
+    Write(STDOUT_FILENO, text);
+}
+
+void WriteError(std::string_view text) {
+    Write(STDERR_FILENO, text);
+}
+
+std::optional<unsigned> ErrorColumns() {
+    if (::isatty(STDERR_FILENO) == 0) {
+        return std::nullopt;
+    }
+    winsize size{};
+    const bool known = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : kUsualColumns;
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value == nullptr || *value == '\0' ? std::nullopt : std::optional<std::string>(value);
+}
+
+}  // namespace Mirqos::Tool

@@ -1,0 +1,60 @@
+#include "tools/mirqos/Console.h"
+
+#include <windows.h>
+
+#include "tools/mirqos/win32/Wide.h"
+
+namespace Mirqos::Tool {
+
+namespace {
+
+void Write(DWORD stream, std::string_view text) {
+    const HANDLE handle = GetStdHandle(stream);
+    DWORD mode = 0;
+    DWORD written = 0;
+    if (GetConsoleMode(handle, &mode) != 0) {
+        // the console takes UTF-16 whatever its code page is
+        const std::wstring wide = ToWide(text);
+        WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
+        return;
+    }
+    while (!text.empty()) {
+        if (::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) ==
+                0 ||
+            written == 0) {
+            return;
+        }
+        text.remove_prefix(written);
+    }
+}
+
+}  // namespace
+
+void WriteOutput(std::string_view text) {
+    Write(STD_OUTPUT_HANDLE, text);
+}
+
+void WriteError(std::string_view text) {
+    Write(STD_ERROR_HANDLE, text);
+}
+
+std::optional<unsigned> ErrorColumns() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) == 0) {
+        return std::nullopt;
+    }
+    return static_cast<unsigned>(info.srWindow.Right - info.srWindow.Left + 1);
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    const std::wstring wideName = ToWide(name);
+    const DWORD needed = GetEnvironmentVariableW(wideName.c_str(), nullptr, 0);
+    if (needed <= 1) {
+        return std::nullopt;
+    }
+    std::wstring value(needed, L'\0');
+    value.resize(GetEnvironmentVariableW(wideName.c_str(), value.data(), needed));
+    return ToUtf8(value);
+}
+
+}  // namespace Mirqos::Tool
