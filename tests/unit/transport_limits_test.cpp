@@ -1,16 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <limits>
-#include <mutex>
 #include <string>
 
 #include "sdk/core/http/Transport.h"
 #include "tests/support/Gate.h"
 #include "tests/support/HttpExchange.h"
 #include "tests/support/RawServer.h"
+#include "tests/support/Trickle.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -27,33 +24,6 @@ Http::Result Get(const RawServer& server, const Http::Limits& limits, KeptAnswer
     return Http::MakeTransport({})->Exchange(LoopbackRequest(server.Port(), "GET", "/b/k"), limits,
                                              answer);
 }
-
-/// Lets a server send a byte now and then until the test has seen enough: a trickle needs time to
-/// pass, and nothing depends on how much.
-class Trickle {
-public:
-    void Run(Connection& connection, const std::string& bytes,
-             int times = std::numeric_limits<int>::max()) {
-        std::unique_lock lock(m_mutex);
-        for (int i = 0; i < times && !m_stop; ++i) {
-            lock.unlock();
-            connection.Send(bytes);
-            lock.lock();
-            m_stopped.wait_for(lock, 10ms, [this] { return m_stop; });
-        }
-    }
-    ~Trickle() { Stop(); }
-    void Stop() {
-        const std::lock_guard lock(m_mutex);
-        m_stop = true;
-        m_stopped.notify_all();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_stopped;
-    bool m_stop = false;
-};
 
 TEST(TransportLimits, AServerThatNeverAnswersIsLeft) {
     RawServer server([](Connection& connection, int) { connection.AwaitClose(); });
@@ -102,19 +72,6 @@ TEST(TransportLimits, AHeadThatTricklesInIsLeft) {
         connection.ReadHead();
         connection.Send("HTTP/1.1 200 OK\r\n");
         trickle.Run(connection, "x: y\r\n");
-    });
-    KeptAnswer answer;
-    const Http::Result result = Get(server, kShortStall, answer);
-    trickle.Stop();
-    EXPECT_EQ(result.failure, Failure::timeout) << result.message;
-    EXPECT_EQ(answer.heads, 0);
-}
-
-TEST(TransportLimits, EndlessInterimHeadsAreLeft) {
-    Trickle trickle;
-    RawServer server([&](Connection& connection, int) {
-        connection.ReadHead();
-        trickle.Run(connection, "HTTP/1.1 102 Processing\r\n\r\n");
     });
     KeptAnswer answer;
     const Http::Result result = Get(server, kShortStall, answer);

@@ -326,28 +326,6 @@ TEST(Transport, AHeadOverTheBoundIsRefused) {
     EXPECT_EQ(refused.heads, 0);
 }
 
-TEST(Transport, InterimHeadsAreSkipped) {
-    for (const char* const interim :
-         {"HTTP/1.1 102 Processing\r\n\r\n", "HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\n"}) {
-        KeptAnswer kept;
-        const Http::Result result =
-            ResultOf(std::string(interim) + "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok", kept);
-        EXPECT_EQ(result.failure, Failure::none) << interim << result.message;
-        EXPECT_EQ(kept.heads, 1);
-        EXPECT_EQ(kept.head.status, 200);
-        EXPECT_EQ(kept.body, "ok");
-    }
-}
-
-TEST(Transport, AnUnaskedContinueIsSkipped) {
-    KeptAnswer kept;
-    const Http::Result result = ResultOf(
-        "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok", kept);
-    EXPECT_EQ(result.failure, Failure::none) << result.message;
-    EXPECT_EQ(kept.head.status, 200);
-    EXPECT_EQ(kept.body, "ok");
-}
-
 TEST(Transport, RedirectsAuthenticationCookiesAndCodingsAreLeftAlone) {
     std::vector<std::string> heads;
     RawServer server([&](Connection& connection, int) {

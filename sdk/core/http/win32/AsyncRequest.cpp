@@ -91,8 +91,9 @@ void CALLBACK AsyncRequest::OnStatus(HINTERNET, DWORD_PTR context, DWORD status,
             state.lastMove = Clock::now();
             break;
         case WINHTTP_CALLBACK_STATUS_RESPONSE_RECEIVED:
-            if (info != nullptr && size == sizeof(DWORD)) {
-                const bool any = *static_cast<const DWORD*>(info) != 0;
+            if (info != nullptr && size == sizeof(int)) {
+                // 0 is the server's close; some systems report a reset here too, as -1
+                const bool any = *static_cast<const int*>(info) > 0;
                 (any ? state.received : state.sawClose) = true;
             }
             state.lastMove = Clock::now();
