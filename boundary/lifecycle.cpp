@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "boundary/lifecycle.h"
+#include "log/CMIRQOSLog.h"
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
 

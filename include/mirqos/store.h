@@ -80,7 +80,8 @@ public:
     virtual std::int32_t ListBucket(CloudStoreListBucketContext* context) = 0;
     /// Frees ListBucket's result and sets the record's pointer to null; a null pointer is fine.
     virtual void ReleaseBucketList(CloudStoreListBucketContext* context) = 0;
-    /// Asks whether a bucket exists.
+    /// Asks whether a bucket exists. The record has the answer: any failure counts as "no", and the
+    /// status is 0 all the same.
     virtual std::int32_t HeadBucket(CloudStoreHeadBucketConext* context) = 0;
 
     /// Asks whether an object exists.
@@ -117,7 +118,8 @@ public:
     /// Gives an upload up; the service drops its parts.
     virtual std::int32_t AbortMultiPartUpload(CloudStoreAbortMultiPartUploadContext* context) = 0;
 
-    /// Requests that this store has sent so far.
+    /// Requests that this store has counted so far. Not every operation counts: CreateBucket and
+    /// DeleteObject, for instance, do not.
     virtual std::uint64_t GetRequestCount() = 0;
 };
 
