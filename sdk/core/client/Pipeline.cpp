@@ -19,6 +19,7 @@ namespace {
 using Aws::Client::CoreErrors;
 
 constexpr char kLogTag[] = "AWSClient";
+constexpr char kDefaultRegion[] = "us-east-1";
 /// Time stamps of signatures are good for fifteen minutes; below this difference, the clock is not
 /// what the service complains about.
 constexpr std::int64_t kToleratedSkewSeconds = 60;
@@ -117,7 +118,7 @@ Pipeline::Pipeline(const Aws::Auth::AWSCredentials& credentials,
                    const Aws::Client::ClientConfiguration& configuration,
                    SigningPolicy signingPolicy, Service service)
     : m_service(std::move(service)),
-      m_region(ToStd(configuration.region)),
+      m_region(configuration.region.empty() ? kDefaultRegion : ToStd(configuration.region)),
       m_sessionToken(ToStd(credentials.GetSessionToken())),
       m_signingPolicy(signingPolicy),
       m_retryStrategy(configuration.retryStrategy),

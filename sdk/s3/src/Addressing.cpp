@@ -99,21 +99,23 @@ void Addressing::ParseEndpoint(std::string_view endpoint) {
     }
     m_pathPrefix = path;
 
-    std::string_view rest;
-    if (!authority.empty() && authority.front() == '[') {
-        const std::size_t bracket = std::min(authority.find(']'), authority.size());
-        m_host = authority.substr(1, bracket - 1);
-        rest = authority.substr(std::min(bracket + 1, authority.size()));
-    } else {
-        const std::size_t colon = std::min(authority.find(':'), authority.size());
-        m_host = authority.substr(0, colon);
-        rest = authority.substr(colon);
+    // An IPv6 address stands in brackets, since it has colons of its own.
+    const bool bracketed = !authority.empty() && authority.front() == '[';
+    const std::size_t end = bracketed ? authority.find(']') : authority.find(':');
+    const std::size_t hostEnd = std::min(end, authority.size());
+    m_host = authority.substr(bracketed ? 1 : 0, hostEnd - (bracketed ? 1 : 0));
+    std::string_view rest = authority.substr(hostEnd);
+    const bool unclosed = bracketed && rest.empty();
+    if (bracketed && !unclosed) {
+        rest.remove_prefix(1);
     }
+    bool badPort = false;
     if (!rest.empty()) {
-        m_port = ParsePort(rest.substr(1)).value_or(0);
+        const std::optional<std::uint16_t> port = ParsePort(rest.substr(1));
+        badPort = rest.front() != ':' || !port;
+        m_port = port.value_or(0);
     }
-    const bool badPort = !rest.empty() && (rest.front() != ':' || m_port == 0);
-    if (m_host.empty() || badPort) {
+    if (m_host.empty() || unclosed || badPort) {
         m_problem = "The endpoint is not HOST[:PORT] with a port from 1 to 65535.";
     }
 }

@@ -6,6 +6,7 @@
 #include <aws/s3/model/HeadBucketRequest.h>
 #include <aws/s3/model/PutObjectRequest.h>
 
+#include <exception>
 #include <type_traits>
 #include <utility>
 
@@ -65,6 +66,16 @@ public:
         }
     }
 
+    /// For calls whose caller is out of reach of an exception.
+    template <typename Outcome>
+    Outcome CallWithoutThrowing(const AmazonWebServiceRequest& request) const {
+        try {
+            return Call<Outcome>(request);
+        } catch (const std::exception& failure) {
+            return Outcome(S3Error(S3Errors::INTERNAL_FAILURE, "", failure.what(), false));
+        }
+    }
+
 private:
     const Mirqos::S3::Addressing m_addressing;
     const Mirqos::Client::Pipeline m_pipeline;
@@ -90,7 +101,7 @@ void S3Client::Submit(const Request& request,
     // Executors copy tasks; the request is copied once.
     const auto owned = std::make_shared<const Request>(request);
     const auto task = [impl = m_impl, client = this, owned, handler, context] {
-        const Outcome outcome = impl->Call<Outcome>(*owned);
+        const Outcome outcome = impl->CallWithoutThrowing<Outcome>(*owned);
         handler(client, *owned, outcome, context);
     };
     if (m_executor == nullptr || !m_executor->Submit(task)) {

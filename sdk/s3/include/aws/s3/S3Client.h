@@ -39,7 +39,7 @@ using PutObjectOutcome = Aws::Utils::Outcome<PutObjectResult, S3Error>;
 }  // namespace Model
 
 /// Receives the outcome of an asynchronous call, on a thread of the configured executor. The client
-/// may be gone by then if others hold the executor; do not use it unless you know better.
+/// may be gone by then where others hold the executor too.
 template <typename Request, typename Outcome>
 using ResponseReceivedHandler =
     std::function<void(const S3Client*, const Request&, const Outcome&,
@@ -57,15 +57,17 @@ using PutObjectResponseReceivedHandler =
     ResponseReceivedHandler<Model::PutObjectRequest, Model::PutObjectOutcome>;
 
 /// A client of one account and one service address. Every call may run on any number of threads at
-/// once; failures are outcomes, never exceptions (but std::bad_alloc).
+/// once; failures are outcomes, never exceptions (but std::bad_alloc and those of response stream
+/// factories).
 ///
 /// A call takes at most the retry strategy's attempts, each within the configuration's time limits,
 /// plus the waits between them.
 ///
 /// XxxAsync copies the request, hands the call to the configuration's executor and returns. If the
 /// executor refuses, the handler is called at once on the calling thread, with
-/// S3Errors::INTERNAL_FAILURE, so that every call is answered exactly once. What a handler throws
-/// goes to the executor.
+/// S3Errors::INTERNAL_FAILURE, so that every call is answered exactly once. Exceptions on the way
+/// to the outcome (memory, the response stream factory) become that error too; what a handler
+/// throws goes to the executor.
 class S3Client {
 public:
     /// `useVirtualAddressing` puts the bucket into the host name, where its name allows it;
