@@ -39,6 +39,11 @@ const std::string* RecordedRequest::Header(const std::string& name) const {
     return nullptr;
 }
 
+std::string RecordedRequest::Value(const std::string& name) const {
+    const std::string* value = Header(name);
+    return value == nullptr ? std::string() : *value;
+}
+
 std::string RecordedRequest::Path() const {
     return target.substr(0, target.find('?'));
 }

@@ -24,6 +24,8 @@ struct RecordedRequest {
 
     /// The first value of that header, letter case of the name aside; null when there is none.
     const std::string* Header(const std::string& name) const;
+    /// That value, or an empty text.
+    std::string Value(const std::string& name) const;
     /// The target before and after the first "?".
     std::string Path() const;
     std::string Query() const;

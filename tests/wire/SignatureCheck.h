@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "tests/support/ScriptedServer.h"
+
+namespace Mirqos::Test {
+
+/// Recomputes the signature of a request from what arrived on the wire, as a service does: the
+/// target as received, the headers that the request itself says it signed. Uses the digests of the
+/// product and nothing else of it.
+/// Returns an empty text when everything agrees, otherwise what does not.
+std::string SignatureProblem(const RecordedRequest& request, const std::string& keyId,
+                             const std::string& secret, const std::string& region);
+
+/// The "SignedHeaders" list of the request's Authorization header.
+std::string SignedHeadersOf(const RecordedRequest& request);
+
+/// Lower-case hexadecimal SHA-256.
+std::string Sha256Of(const std::string& bytes);
+
+}  // namespace Mirqos::Test

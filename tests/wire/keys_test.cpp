@@ -1,0 +1,169 @@
+#include <utility>
+
+#include "tests/wire/WireTest.h"
+
+namespace Mirqos::Test {
+namespace {
+
+using testing::ElementsAre;
+
+struct KeyCase {
+    std::string key;
+    std::string wire;
+};
+
+std::string Repeat(const std::string& text, int count) {
+    std::string result;
+    for (int i = 0; i < count; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+// The wire's side is written out by hand: only letters, digits, "-", ".", "_", "~" and "/" stand as
+// they are, everything else is the bytes' hexadecimal digits.
+std::vector<KeyCase> KeyCases() {
+    return {
+        {"plain.txt", "plain.txt"},
+        {"-._~", "-._~"},
+        {"with space", "with%20space"},
+        {" leading and trailing ", "%20leading%20and%20trailing%20"},
+        {"a+b", "a%2Bb"},
+        {"user@host", "user%40host"},
+        {"@@", "%40%40"},
+        {"50%", "50%25"},
+        {"%41%2F", "%2541%252F"},
+        {"folder/file", "folder/file"},
+        {"/leading", "/leading"},
+        {"//two leading", "//two%20leading"},
+        {"double//slash", "double//slash"},
+        {"trailing/", "trailing/"},
+        {"trailing//", "trailing//"},
+        {"/", "/"},
+        {".", "."},
+        {"..", ".."},
+        {"./a", "./a"},
+        {"a/./b", "a/./b"},
+        {"a/../b", "a/../b"},
+        {"../../up", "../../up"},
+        {"a/..", "a/.."},
+        {"a/.", "a/."},
+        {"...", "..."},
+        {"what?not#this", "what%3Fnot%23this"},
+        {"a=b&c;d,e:f!g*h'i(j)k$l", "a%3Db%26c%3Bd%2Ce%3Af%21g%2Ah%27i%28j%29k%24l"},
+        {"\"<>[]{}|\\^`", "%22%3C%3E%5B%5D%7B%7D%7C%5C%5E%60"},
+        {"tab\tnew\nline\r\x7F\x01", "tab%09new%0Aline%0D%7F%01"},
+        {"gr\xC3\xBC\xC3\x9F", "gr%C3%BC%C3%9F"},
+        {"\xE6\x97\xA5\xE6\x9C\xAC/\xF0\x9F\x97\x84", "%E6%97%A5%E6%9C%AC/%F0%9F%97%84"},
+        {"not UTF-8 \xFF\xFE", "not%20UTF-8%20%FF%FE"},
+        {"http://host/path?x", "http%3A//host/path%3Fx"},
+        {Repeat("k", 1024), Repeat("k", 1024)},
+        {Repeat("a/", 512), Repeat("a/", 512)},
+        {Repeat("\xC3\xA9", 512), Repeat("%C3%A9", 512)},
+        {Repeat(" ", 1024), Repeat("%20", 1024)},
+    };
+}
+
+class Keys : public WireTest, public testing::WithParamInterface<Style> {
+protected:
+    std::string Target(const std::string& wire) const {
+        return (GetParam() == Style::path ? "/the-bucket/" : "/") + wire;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Styles, Keys, testing::Values(Style::path, Style::virtualHost),
+                         [](const auto& info) {
+                             return info.param == Style::path ? "Path" : "VirtualHost";
+                         });
+
+TEST_P(Keys, GoOnTheWireExactlyAndSignedForWrites) {
+    m_server.On("PUT", "/").Always(Answer::Status(200));
+    const auto store = MakeStore(In(GetParam()));
+    for (const KeyCase& one : KeyCases()) {
+        ASSERT_EQ(Write(*store, one.key, "v"), 0) << one.key;
+        const RecordedRequest request = m_server.Requests().back();
+        EXPECT_EQ(request.target, Target(one.wire)) << one.key;
+        EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "") << one.key;
+    }
+    EXPECT_EQ(m_server.Requests().size(), KeyCases().size());
+}
+
+TEST_P(Keys, GoOnTheWireExactlyAndSignedForReads) {
+    m_server.On("GET", "/").Always(Answer::Status(206).Body("v"));
+    const auto store = MakeStore(In(GetParam()));
+    for (const KeyCase& one : KeyCases()) {
+        ASSERT_EQ(Read(*store, one.key).Delivered(), "v") << one.key;
+        const RecordedRequest request = m_server.Requests().back();
+        EXPECT_EQ(request.target, Target(one.wire)) << one.key;
+        EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "") << one.key;
+    }
+    EXPECT_EQ(m_server.Requests().size(), KeyCases().size());
+}
+
+TEST_P(Keys, GoOnTheWireExactlyAndSignedForDeletions) {
+    m_server.On("DELETE", "/").Always(Answer::Status(204));
+    const auto store = MakeStore(In(GetParam()));
+    for (const KeyCase& one : KeyCases()) {
+        ASSERT_EQ(Delete(*store, one.key), 0) << one.key;
+        const RecordedRequest request = m_server.Requests().back();
+        EXPECT_EQ(request.target, Target(one.wire)) << one.key;
+        EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "") << one.key;
+    }
+    EXPECT_EQ(m_server.Requests().size(), KeyCases().size());
+}
+
+TEST_P(Keys, AnEmptyKeyIsRefusedAndNeverBecomesARequestOnTheBucket) {
+    const auto store = MakeStore(In(GetParam()));
+    EXPECT_EQ(Write(*store, "", "v"), StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
+    EXPECT_EQ(Read(*store, "").status, StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
+    EXPECT_EQ(Delete(*store, ""), StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
+    EXPECT_TRUE(m_server.Requests().empty());
+}
+
+class Provider : public WireTest, public testing::WithParamInterface<std::int32_t> {
+protected:
+    bool Substitutes() const { return GetParam() == 5 || GetParam() == 6; }
+    std::unique_ptr<AwsS3Store> MakeProviderStore() {
+        Setup setup;
+        setup.provider = GetParam();
+        return MakeStore(setup);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Types, Provider, testing::Values(0, 1, 2, 3, 4, 5, 6, 7),
+                         [](const auto& info) { return "Type" + std::to_string(info.param); });
+
+TEST_P(Provider, AnAtSignGoesAsAPlusSignForTypesFiveAndSixOnly) {
+    m_server.On("PUT", "/").Always(Answer::Status(200));
+    m_server.On("GET", "/").Always(Answer::Status(206).Body("v"));
+    m_server.On("DELETE", "/").Always(Answer::Status(204));
+    const auto store = MakeProviderStore();
+    EXPECT_EQ(Write(*store, "@a+b@@", "v"), 0);
+    EXPECT_EQ(Read(*store, "@a+b@@").status, 0);
+    EXPECT_EQ(Delete(*store, "@a+b@@"), 0);
+    const auto requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 3u);
+    for (const RecordedRequest& request : requests) {
+        EXPECT_EQ(request.target,
+                  Substitutes() ? "/the-bucket/%2Ba%2Bb%2B%2B" : "/the-bucket/%40a%2Bb%40%40");
+    }
+    EXPECT_THAT(Lines(), ElementsAre("Succeed to delete object @a+b@@ in bucket the-bucket."));
+}
+
+TEST_P(Provider, LogLinesShowTheKeyAsGiven) {
+    m_server.On("", "/").Always(Answer::S3Error(403, "AccessDenied", "no"));
+    const auto store = MakeProviderStore();
+    ExpectWriteFailed(Write(*store, "a@b", "v"), Aws::S3::S3Errors::ACCESS_DENIED, "a@b",
+                      testing::Eq("no"));
+    m_log.Clear();
+    ExpectReadFailed(Read(*store, "a@b"), Aws::S3::S3Errors::ACCESS_DENIED, "a@b",
+                     testing::Eq("no"), "AccessDenied");
+    m_log.Clear();
+    const std::int32_t status = Delete(*store, "a@b");
+    EXPECT_THAT(Lines(), ElementsAre("Failed to delete object a@b in bucket the-bucket. EC:" +
+                                         std::to_string(status) + ".",
+                                     "no"));
+}
+
+}  // namespace
+}  // namespace Mirqos::Test
