@@ -4,23 +4,23 @@
 
 #include <cstdlib>
 
+#include "sdk/core/client/DefaultRegion.h"
+
 namespace Aws::Client {
 namespace {
 
 constexpr char kTag[] = "ClientConfiguration";
 
+const char* Environment(const char* name) {
+    return std::getenv(name);
+}
+
 }  // namespace
 
 ClientConfiguration::ClientConfiguration()
-    : retryStrategy(Aws::MakeShared<DefaultRetryStrategy>(kTag)),
+    : region(Mirqos::Client::DefaultRegion(&Environment)),
+      retryStrategy(Aws::MakeShared<DefaultRetryStrategy>(kTag)),
       executor(Aws::MakeShared<Utils::Threading::DefaultExecutor>(kTag)) {
-    for (const char* name : {"AWS_DEFAULT_REGION", "AWS_REGION"}) {
-        const char* const value = std::getenv(name);
-        if (value != nullptr && *value != '\0') {
-            region = value;
-            break;
-        }
-    }
 }
 
 }  // namespace Aws::Client

@@ -15,7 +15,7 @@ void Semaphore::WaitOne() {
     --m_count;
 }
 
-// Both notify while they hold the lock: a waiter may destroy the semaphore once it goes on.
+// Both notify while they hold the lock: with MinGW a notification without it can be lost.
 void Semaphore::Release() {
     const std::lock_guard lock(m_mutex);
     if (m_count < m_maxCount) {

@@ -4,14 +4,18 @@
 #include <xmllite.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <new>
 
 #include "sdk/core/xml/TreeBuilder.h"
+#include "sdk/core/xml/win32/CutDocument.h"
 
 namespace Mirqos::Xml {
 namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
 
 struct Release {
     void operator()(IUnknown* object) const { object->Release(); }
@@ -38,10 +42,12 @@ public:
 
     HRESULT STDMETHODCALLTYPE Read(void* to, ULONG room, ULONG* read) override {
         std::size_t piece = std::min<std::size_t>(room, m_left.size());
-        // Wine's reader always puts a last byte beyond ASCII aside for the next piece, which breaks
-        // the character unless that byte is its first.
-        while (piece > 1 && IsContinuation(m_left[piece - 1])) {
-            --piece;
+        // Wine's reader spoils a character beyond ASCII that ends a piece, so a piece ends before,
+        // as long as there is anything else in it.
+        const auto ascii = std::find_if(m_left.rend() - static_cast<std::ptrdiff_t>(piece),
+                                        m_left.rend(), [](char c) { return (c & 0x80) == 0; });
+        if (ascii != m_left.rend()) {
+            piece = static_cast<std::size_t>(m_left.rend() - ascii);
         }
         std::memcpy(to, m_left.data(), piece);
         m_left.remove_prefix(piece);
@@ -53,8 +59,6 @@ public:
     HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_ACCESSDENIED; }
 
 private:
-    static bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
     std::string_view m_left;
 };
 
@@ -64,7 +68,8 @@ void Check(HRESULT result) {
     }
 }
 
-/// The document without what could claim another encoding than UTF-8.
+/// The document without what could claim another encoding than UTF-8, from its first element,
+/// comment or instruction on: Wine's reader takes a leading blank for an unknown encoding.
 std::string_view WithoutProlog(std::string_view document) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     constexpr std::string_view declaration = "<?xml ";
@@ -78,7 +83,8 @@ std::string_view WithoutProlog(std::string_view document) {
             document.remove_prefix(end + declarationEnd.size());
         }
     }
-    return document;
+    const auto first = document.find_first_not_of(kBlanks);
+    return first != std::string_view::npos ? document.substr(first) : std::string_view();
 }
 
 /// UTF-8 of `length` UTF-16 units; false where they are not valid UTF-16.
@@ -174,7 +180,12 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;
     }
-    MemoryStream stream(WithoutProlog({data, size}));
+    const std::string_view document = WithoutProlog({data, size});
+    if (IsCut(document)) {
+        error = "the document ends too early";
+        return std::nullopt;
+    }
+    MemoryStream stream(document);
     void* created = nullptr;
     HRESULT result = CreateXmlReader(__uuidof(IXmlReader), &created, nullptr);
     Check(result);
@@ -183,7 +194,8 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         result = reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit);
     }
     if (SUCCEEDED(result)) {
-        result = reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth);
+        // The builder keeps the exact bound.
+        result = reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth + 1);
     }
     if (SUCCEEDED(result)) {
         result = reader->SetInput(&stream);

@@ -15,12 +15,12 @@ class RetryStrategy;
 
 /// How a client reaches its service.
 struct ClientConfiguration {
-    /// Sets `region` from the environment, AWS_DEFAULT_REGION before AWS_REGION, and makes a
-    /// DefaultRetryStrategy and a DefaultExecutor.
+    /// Takes `region` from the environment, AWS_DEFAULT_REGION before AWS_REGION, else us-east-1, and
+    /// makes a DefaultRetryStrategy and a DefaultExecutor.
     ClientConfiguration();
 
     Http::Scheme scheme = Http::Scheme::HTTPS;
-    Aws::String region = "us-east-1";
+    Aws::String region;
     /// Requests beyond this many wait for a free connection.
     unsigned maxConnections = 25;
     /// Milliseconds without a byte moving; see connectTimeoutMs for the time before that.

@@ -1,0 +1,280 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "sdk/core/xml/Xml.h"
+
+namespace {
+
+using namespace Mirqos::Xml;
+
+std::optional<Element> ParseText(const std::string& document) {
+    std::string error;
+    std::optional<Element> root = Parse(document.data(), document.size(), error);
+    EXPECT_EQ(root.has_value(), error.empty()) << error;
+    return root;
+}
+
+std::string ErrorOf(const std::string& document) {
+    std::string error;
+    EXPECT_FALSE(Parse(document.data(), document.size(), error).has_value());
+    EXPECT_FALSE(error.empty());
+    EXPECT_EQ(error.find('\n'), std::string::npos);
+    return error;
+}
+
+/// The environment of a program under Wine names its prefix.
+bool UnderWine() {
+    return std::getenv("WINEPREFIX") != nullptr;
+}
+
+std::string Nested(std::size_t depth) {
+    std::string document;
+    for (std::size_t i = 0; i < depth; ++i) {
+        document += "<a>";
+    }
+    for (std::size_t i = 0; i < depth; ++i) {
+        document += "</a>";
+    }
+    return document;
+}
+
+TEST(SdkXml, ListingBecomesATree) {
+    const auto root = ParseText(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<ListBucketResult xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">\n"
+        "  <Name>bucket</Name>\n  <!-- a comment -->\n"
+        "  <Contents><Key>a</Key><Size>1</Size></Contents>\r\n"
+        "  <Contents><Key>b</Key><Size>2</Size></Contents>\n"
+        "  <Prefix/>\n</ListBucketResult>\n");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->name, "ListBucketResult");
+    EXPECT_EQ(root->text, "");
+    ASSERT_EQ(root->children.size(), 4u);
+    EXPECT_EQ(root->TextOf("Name"), "bucket");
+    EXPECT_EQ(root->children[1].TextOf("Key"), "a");
+    EXPECT_EQ(root->children[2].TextOf("Key"), "b");
+    EXPECT_EQ(root->Child("Contents"), &root->children[1]);
+    ASSERT_NE(root->Child("Prefix"), nullptr);
+    EXPECT_EQ(root->TextOf("Prefix"), "");
+    EXPECT_EQ(root->Child("Missing"), nullptr);
+    EXPECT_EQ(root->TextOf("Missing"), "");
+}
+
+TEST(SdkXml, NamesLoseTheirPrefix) {
+    const auto root =
+        ParseText("<s3:A xmlns:s3=\"urn:x\" s3:b=\"1\"><s3:C>t</s3:C><D>u</D></s3:A>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->name, "A");
+    EXPECT_EQ(root->TextOf("C"), "t");
+    EXPECT_EQ(root->TextOf("D"), "u");
+}
+
+TEST(SdkXml, LeafTextIsExact) {
+    const auto root = ParseText(
+        "<R><Blank>  </Blank><Edge> a b </Edge><Break>x\r\ny\rz</Break>"
+        "<Named>&lt;&gt;&amp;&quot;&apos;</Named><CData> <![CDATA[<k>&amp;]]> </CData>"
+        "<Mixed>a<!-- gone -->b<?pi gone?>c</Mixed><Tab>\t</Tab></R>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->TextOf("Blank"), "  ");
+    EXPECT_EQ(root->TextOf("Edge"), " a b ");
+    EXPECT_EQ(root->TextOf("Break"), "x\ny\nz");
+    EXPECT_EQ(root->TextOf("Named"), "<>&\"'");
+    EXPECT_EQ(root->TextOf("CData"), " <k>&amp; ");
+    EXPECT_EQ(root->TextOf("Mixed"), "abc");
+    EXPECT_EQ(root->TextOf("Tab"), "\t");
+}
+
+TEST(SdkXml, TextBeyondAsciiArrivesWhereverItStands) {
+    // U+00E4, U+20AC and U+1F600 take two, three and four bytes; one more letter in front of each
+    // document moves them over every edge of a reader's buffer.
+    std::string text;
+    for (int i = 0; i < 3000; ++i) {
+        text += "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80/";
+    }
+    for (int shift = 0; shift < 10; ++shift) {
+        const std::string shifted = std::string(static_cast<std::size_t>(shift), 'x') + text;
+        const auto root = ParseText("<R><K>" + shifted + "</K></R>");
+        ASSERT_TRUE(root);
+        EXPECT_TRUE(root->TextOf("K") == shifted) << shift;
+    }
+    const auto reference = ParseText("<R>&#228;&#x20AC;</R>");
+    ASSERT_TRUE(reference);
+    EXPECT_EQ(reference->text, "\xC3\xA4\xE2\x82\xAC");
+}
+
+TEST(SdkXml, CharacterReferencesKeepTheirCharacter) {
+    // Wine's XmlLite turns every reference to white space into a blank and knows no character
+    // beyond U+FFFF; the system's own does neither.
+    if (UnderWine()) {
+        GTEST_SKIP() << "Wine's XML reader changes such references";
+    }
+    const auto root = ParseText("<R>&#13;&#x0D;&#10;&#9;&#x1F600;</R>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->text, "\r\r\n\t\xF0\x9F\x98\x80");
+}
+
+TEST(SdkXml, DeclaredEncodingDoesNotMatter) {
+    for (const char* encoding : {"UTF-8", "utf-8", "ISO-8859-1", "UTF-16", "no-such-encoding"}) {
+        SCOPED_TRACE(encoding);
+        const auto root = ParseText(std::string("<?xml version=\"1.0\" encoding=\"") + encoding +
+                                    "\"?>\n<R>\xC3\xA4</R>");
+        ASSERT_TRUE(root);
+        EXPECT_EQ(root->text, "\xC3\xA4");
+    }
+}
+
+TEST(SdkXml, ByteOrderMarkIsNoText) {
+    const auto root = ParseText("\xEF\xBB\xBF<R>t</R>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->text, "t");
+}
+
+TEST(SdkXml, EmptyDocumentIsRefused) {
+    EXPECT_EQ(ErrorOf(""), "empty document");
+    ErrorOf("   \n");
+    ErrorOf("<?xml version=\"1.0\"?>");
+    std::string error;
+    EXPECT_FALSE(Parse(nullptr, 0, error));
+}
+
+TEST(SdkXml, DocumentThatIsNotWellFormedIsRefused) {
+    for (const char* document : {"plain text",
+                                 "<a>",
+                                 "<a><b></a>",
+                                 "<a><b></a></b>",
+                                 "<a></A>",
+                                 "<a/><b/>",
+                                 "<a/>text",
+                                 "text<a/>",
+                                 "<a",
+                                 "<a></a",
+                                 "<a b></a>",
+                                 "<a b='></a>",
+                                 "<a>&#xD800;</a>",
+                                 "<a>]]></a",
+                                 "<a>text",
+                                 "<a>&amp",
+                                 "<a>\xC3\xA4",
+                                 "<a><!-- x",
+                                 "<a><![CDATA[x",
+                                 "</a>",
+                                 "<a></a></a>",
+                                 "<!-- only -->",
+                                 "\xC3",
+                                 "<a><b></b>",
+                                 "<a><b></b>  ",
+                                 "<a><![CDATA[</a>",
+                                 "<a><!-- </a>",
+                                 "<a><?pi </a>",
+                                 "<a b='/>",
+                                 "<a b=\"</a>",
+                                 "<a><a></a>",
+                                 "<a><a/>"}) {
+        SCOPED_TRACE(document);
+        ErrorOf(document);
+    }
+}
+
+TEST(SdkXml, ForbiddenCharactersAndUnknownEntitiesAreRefused) {
+    if (UnderWine()) {
+        GTEST_SKIP() << "Wine's XML reader lets these pass";
+    }
+    for (const char* document :
+         {"<a>&undefined;</a>", "<a>&#0;</a>", "<a>\x01</a>", "<a>\xFF\xFE</a>"}) {
+        SCOPED_TRACE(document);
+        ErrorOf(document);
+    }
+}
+
+TEST(SdkXml, DocumentCutAnywhereIsRefused) {
+    const std::string document =
+        "<?xml version=\"1.0\"?><R a='>' b=\"'/>\"><K>v\xC3\xA4&amp;</K> <E/><!-- <a> -->"
+        "<C><![CDATA[<x>]]></C><?pi <?><E c='/'/></R>";
+    ASSERT_TRUE(ParseText(document));
+    for (std::size_t size = 0; size < document.size(); ++size) {
+        SCOPED_TRACE(size);
+        ErrorOf(document.substr(0, size));
+    }
+}
+
+TEST(SdkXml, DocumentTypeIsRefusedWithAnythingInIt) {
+    ErrorOf("<!DOCTYPE a><a/>");
+    ErrorOf("<!DOCTYPE a SYSTEM \"file:///etc/passwd\"><a/>");
+    ErrorOf("<!DOCTYPE a [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><a>&x;</a>");
+    std::string bomb = "<!DOCTYPE a [<!ENTITY e0 \"boom\">";
+    for (int i = 1; i < 30; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        bomb += "<!ENTITY e" + std::to_string(i) + " \"" + inner + inner + "\">";
+    }
+    ErrorOf(bomb + "]><a>&e29;</a>");
+}
+
+TEST(SdkXml, DepthIsBounded) {
+    EXPECT_TRUE(ParseText(Nested(kMaxDepth)));
+    ErrorOf(Nested(kMaxDepth + 1));
+    ErrorOf(Nested(100'000));
+    std::string open;
+    for (int i = 0; i < 100'000; ++i) {
+        open += "<a>";
+    }
+    ErrorOf(open);
+}
+
+TEST(SdkXml, EmptyElementsCountInTheDepth) {
+    std::string open, close;
+    for (std::size_t i = 0; i < kMaxDepth; ++i) {
+        open += "<a>";
+        close += "</a>";
+    }
+    ErrorOf(open + "<b/>" + close);
+}
+
+TEST(SdkXml, NumberOfElementsIsBounded) {
+    std::string document = "<a>";
+    for (std::size_t i = 1; i < kMaxElements; ++i) {
+        document += "<b/>";
+    }
+    const auto root = ParseText(document + "</a>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->children.size(), kMaxElements - 1);
+    ErrorOf(document + "<b/></a>");
+}
+
+TEST(SdkXml, SizeIsBounded) {
+    std::string document = "<a>" + std::string(kMaxBytes - 7, 'x') + "</a>";
+    ASSERT_EQ(document.size(), kMaxBytes);
+    const auto root = ParseText(document);
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->text.size(), kMaxBytes - 7);
+    document.insert(3, "x");
+    EXPECT_EQ(ErrorOf(document), "document too large");
+}
+
+TEST(SdkXml, WriterEscapesWhatXmlWouldChange) {
+    Writer writer;
+    writer.Open("Delete", {{"xmlns", "http://s3.amazonaws.com/doc/2006-03-01/"}, {"q", "\"<&>\n"}});
+    writer.Open("Object");
+    writer.Leaf("Key", "a&b<c>\"d'\r\n\t\x01\x7F \xC3\xA4");
+    writer.Close();
+    writer.Leaf("Quiet", "");
+    EXPECT_EQ(writer.Take(),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+              "<Delete xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\" "
+              "q=\"&quot;&lt;&amp;&gt;&#10;\"><Object><Key>a&amp;b&lt;c&gt;&quot;d'&#13;&#10;&#9;"
+              "&#1;&#127; \xC3\xA4</Key></Object><Quiet></Quiet></Delete>");
+}
+
+TEST(SdkXml, WhatTheWriterWroteIsReadBack) {
+    const std::string text = " a&b<c>\"d'\x7F \xC3\xA4]]> ";
+    Writer writer;
+    writer.Open("R");
+    writer.Leaf("K", text);
+    const auto root = ParseText(writer.Take());
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->TextOf("K"), text);
+}
+
+}  // namespace
