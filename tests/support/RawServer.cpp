@@ -4,7 +4,8 @@
 #include <atomic>
 #include <boost/asio.hpp>
 #include <boost/asio/use_future.hpp>
-#include <mutex>
+#include <future>
+#include <memory>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -18,6 +19,16 @@ using asio::ip::tcp;
 // Small, so that a client that sends to a server that does not read is soon stopped.
 constexpr int kReceiveBuffer = 64 * 1024;
 
+/// Runs `work` on the context's thread; what it returns or throws comes back.
+template <typename Work>
+auto RunOn(asio::io_context& context, Work work) {
+    // shared, because the thread may still be inside the task when its result is here
+    const auto task = std::make_shared<std::packaged_task<decltype(work())()>>(std::move(work));
+    auto result = task->get_future();
+    asio::post(context, [task] { (*task)(); });
+    return result.get();
+}
+
 }  // namespace
 
 /// Scripts block in asynchronous operations, because on every platform only those can be ended
@@ -26,10 +37,9 @@ struct RawServer::Connection::Socket {
     Socket(asio::io_context& context, tcp::socket&& accepted)
         : context(context), socket(std::move(accepted)) {}
 
-    /// Runs `work` on the context's thread; what it returns comes back.
     template <typename Work>
     auto OnContext(Work work) {
-        return asio::post(context, asio::use_future([&] { return work(socket); })).get();
+        return RunOn(context, [&] { return work(socket); });
     }
 
     asio::io_context& context;
@@ -95,7 +105,6 @@ void RawServer::Connection::Close() {
         boost::system::error_code ignored;
         socket.shutdown(tcp::socket::shutdown_both, ignored);
         socket.close(ignored);
-        return 0;
     });
 }
 
@@ -104,7 +113,6 @@ void RawServer::Connection::Reset() {
         boost::system::error_code ignored;
         socket.set_option(asio::socket_base::linger(true, 0), ignored);
         socket.close(ignored);
-        return 0;
     });
 }
 
@@ -127,15 +135,14 @@ struct RawServer::Core {
     }
 
     ~Core() {
-        asio::post(context, asio::use_future([this] {
-                       closing = true;  // an accept may be through and wait its turn
-                       acceptor.close();
-                       for (const auto& socket : sockets) {
-                           boost::system::error_code ignored;
-                           socket->socket.close(ignored);
-                       }
-                   }))
-            .get();
+        RunOn(context, [this] {
+            closing = true;  // an accept may be through and wait its turn
+            acceptor.close();
+            for (const auto& socket : sockets) {
+                boost::system::error_code ignored;
+                socket->socket.close(ignored);
+            }
+        });
         // from here on nobody adds a script
         for (std::thread& running : scripts) {
             running.join();

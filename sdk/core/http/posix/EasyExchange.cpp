@@ -18,7 +18,9 @@ constexpr long kReceiveBuffer = 512 * 1024;
 CertificateTrouble TroubleOf(CURLcode code, long verifyResult) {
     switch (verifyResult) {
         case X509_V_OK:
-            // libcurl compares the host name itself, after a chain that was found good
+        case X509_V_ERR_UNSPECIFIED:
+            // libcurl compares the host name itself, after the chain was found good and before it
+            // stores that; until then the result stands at unspecified
             return code == CURLE_PEER_FAILED_VERIFICATION ? CertificateTrouble::wrongHost
                                                           : CertificateTrouble::unknown;
         case X509_V_ERR_CERT_HAS_EXPIRED:

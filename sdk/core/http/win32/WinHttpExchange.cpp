@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "sdk/core/http/CertificateTrouble.h"
+#include "sdk/core/http/win32/SecureFailure.h"
 #include "sdk/core/http/win32/WideText.h"
 
 namespace Mirqos::Http {
@@ -22,45 +22,6 @@ int Behind(std::chrono::milliseconds limit) {
 
 bool IsTimeout(DWORD error) {
     return error == ERROR_WINHTTP_TIMEOUT || error == WSAETIMEDOUT;
-}
-
-bool IsTls(DWORD error) {
-    switch (error) {
-        case ERROR_WINHTTP_SECURE_FAILURE:
-        case ERROR_WINHTTP_SECURE_CERT_DATE_INVALID:
-        case ERROR_WINHTTP_SECURE_CERT_CN_INVALID:
-        case ERROR_WINHTTP_SECURE_INVALID_CA:
-        case ERROR_WINHTTP_SECURE_CERT_REV_FAILED:
-        case ERROR_WINHTTP_SECURE_CHANNEL_ERROR:
-        case ERROR_WINHTTP_SECURE_INVALID_CERT:
-        case ERROR_WINHTTP_SECURE_CERT_REVOKED:
-        case ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE:
-        case ERROR_WINHTTP_CLIENT_AUTH_CERT_NEEDED:
-            return true;
-        default:
-            return false;
-    }
-}
-
-/// The flags come with the refusal; some systems report only the error number.
-CertificateTrouble TroubleOf(DWORD flags, DWORD error) {
-    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_REVOKED) != 0 ||
-        error == ERROR_WINHTTP_SECURE_CERT_REVOKED) {
-        return CertificateTrouble::revoked;
-    }
-    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_INVALID_CA) != 0 ||
-        error == ERROR_WINHTTP_SECURE_INVALID_CA) {
-        return CertificateTrouble::untrusted;
-    }
-    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID) != 0 ||
-        error == ERROR_WINHTTP_SECURE_CERT_CN_INVALID) {
-        return CertificateTrouble::wrongHost;
-    }
-    if ((flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_DATE_INVALID) != 0 ||
-        error == ERROR_WINHTTP_SECURE_CERT_DATE_INVALID) {
-        return CertificateTrouble::expired;
-    }
-    return CertificateTrouble::unknown;
 }
 
 }  // namespace
@@ -155,10 +116,11 @@ Result WinHttpExchange::FailConnect(Outcome outcome) const {
     }
     const DWORD error = m_async->Error();
     const DWORD flags = m_async->SecureFlags();
-    if (flags != 0 || IsTls(error)) {
+    if (flags != 0 || IsSecureFailure(error)) {
         const std::string trouble = Describe(TroubleOf(flags, error), m_request.host);
-        const std::string words = ErrorWords(error);
-        return {Failure::tls, trouble.empty() ? words : trouble + ": " + words};
+        return {Failure::tls,
+                (trouble.empty() ? "the handshake with " + m_request.host + " failed" : trouble) +
+                    ": " + ErrorWords(error)};
     }
     return Fail(error == ERROR_WINHTTP_NAME_NOT_RESOLVED ? Failure::resolve : Failure::connect);
 }
