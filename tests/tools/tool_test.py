@@ -415,7 +415,8 @@ def main():
     parser.add_argument("--runner")
     parser.add_argument("program")
     options, rest = parser.parse_known_args()
-    COMMAND.extend(([options.runner] if options.runner else []) + [options.program])
+    COMMAND.extend(([options.runner] if options.runner else []) +
+                   [os.path.abspath(options.program)])
     unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
 
 
