@@ -36,7 +36,7 @@ private:
 TEST(ExecutorStress, EveryTaskOfManySubmittersRunsOnceWithinTheBounds) {
     Mirqos::Test::LogRecording log;
     constexpr int kSubmitters = 4;
-    constexpr int kTasks = 2000;
+    constexpr int kTasks = 500;
     for (const int threads : {1, 2, 3, 8}) {
         std::vector<std::atomic<int>> runs(kSubmitters * kTasks);
         Peak running;
@@ -68,7 +68,7 @@ TEST(ExecutorStress, EveryTaskOfManySubmittersRunsOnceWithinTheBounds) {
 TEST(ExecutorStress, OneThreadKeepsTheOrderOfEachSubmitter) {
     Mirqos::Test::LogRecording log;
     constexpr int kSubmitters = 4;
-    constexpr int kTasks = 2000;
+    constexpr int kTasks = 500;
     std::vector<int> next(kSubmitters, 0);  // written by the one worker, read after its end
     int outOfOrder = 0;
     {
