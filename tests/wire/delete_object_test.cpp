@@ -50,5 +50,16 @@ TEST_F(DeleteObjectAnswer, ARefusalGivesItsStatusAndBothLines) {
     EXPECT_EQ(Delete(*store, "k@x"), 0);
 }
 
+TEST_F(DeleteObjectAnswer, ASuccessWithAPageForPeopleIsAFailure) {
+    m_server.Next(Answer::Status(200)
+                      .Header("Content-Type", "text/html")
+                      .Body("<!DOCTYPE html><html><body>Log in first<br></body></html>"));
+    m_server.Next(Answer::Status(204));
+    const auto store = MakeStore();
+    EXPECT_EQ(Delete(*store, "k"), StatusOf(Aws::S3::S3Errors::UNKNOWN));
+    EXPECT_EQ(Lines().size(), 2u);
+    EXPECT_EQ(Delete(*store, "k"), 0);
+}
+
 }  // namespace
 }  // namespace Mirqos::Test

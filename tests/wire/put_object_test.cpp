@@ -85,13 +85,6 @@ TEST_P(PutObject, RequestsOneAfterTheOtherShareAConnection) {
 
 using PutObjectAnswers = WireTest;
 
-TEST_F(PutObjectAnswers, InterimAnswersAreNotTheAnswer) {
-    m_server.Next(Answer::Status(200).Interim(100).Interim(102));
-    const auto store = MakeStore();
-    EXPECT_EQ(Write(*store, "k", "v"), 0);
-    EXPECT_EQ(OnlyRequest().body, "v");
-}
-
 TEST_F(PutObjectAnswers, ARefusalGivesItsStatusAndOneLine) {
     m_server.Next(Answer::S3Error(404, "NoSuchBucket", "The bucket does not exist"));
     m_server.Next(Answer::Status(200));
