@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
+#include <functional>
 #include <future>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include "sdk/core/http/Transport.h"
@@ -191,21 +190,63 @@ TEST(Transport, LengthsAboveFourGibibytesAreAnnounced) {
     EXPECT_TRUE(HasLine(head.get_future().get(), "Content-Length: 5368709123"));
 }
 
-TEST(Transport, AnAnswerThatComesBeforeTheBodyIsSentIsDelivered) {
-    Gate seen;
-    RawServer server([&](Connection& connection, int) {
+const char* const kRefusal =
+    "HTTP/1.1 403 Forbidden\r\nContent-Length: 5\r\nConnection: close\r\n\r\nstop!";
+
+TEST(Transport, ARefusalDuringTheUploadIsDelivered) {
+    RawServer server([](Connection& connection, int) {
         connection.ReadHead();
-        connection.Send(
-            "HTTP/1.1 403 Forbidden\r\nContent-Length: 5\r\nConnection: close\r\n\r\nstop!");
-        connection.Close();
+        connection.Send(kRefusal);
+        connection.AwaitClose();  // reading on
     });
-    LongStream body(64 * 1024 * 1024);
+    constexpr std::uint64_t size = 16 * 1024 * 1024;
+    LongStream body(size);
     Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
     request.body = &body;
-    request.bodyLength = 64 * 1024 * 1024;
+    request.bodyLength = size;
     KeptAnswer answer;
     const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
     EXPECT_EQ(result.failure, Failure::none) << result.message;
+    EXPECT_EQ(answer.head.status, 403);
+    EXPECT_EQ(answer.body, "stop!");
+}
+
+/// Calls `before` when its first byte is asked for.
+class TellingBuffer final : public std::stringbuf {
+public:
+    TellingBuffer(const std::string& text, std::function<void()> before)
+        : std::stringbuf(text), m_before(std::move(before)) {}
+
+protected:
+    std::streamsize xsgetn(char* to, std::streamsize count) override {
+        if (m_before) {
+            std::exchange(m_before, nullptr)();
+        }
+        return std::stringbuf::xsgetn(to, count);
+    }
+
+private:
+    std::function<void()> m_before;
+};
+
+TEST(Transport, ARefusalIsDeliveredEvenIfTheServerHasHungUp) {
+    Gate hungUp;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        connection.Send(kRefusal);
+        connection.Reset();
+        hungUp.Open();
+    });
+    const std::string sent(4 * 1024 * 1024, 's');
+    TellingBuffer buffer(sent, [&] { hungUp.Pass(); });
+    std::istream body(&buffer);
+    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+    request.body = &body;
+    request.bodyLength = sent.size();
+    KeptAnswer answer;
+    const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+    EXPECT_EQ(result.failure, Failure::none) << result.message;
+    EXPECT_EQ(answer.heads, 1);
     EXPECT_EQ(answer.head.status, 403);
     EXPECT_EQ(answer.body, "stop!");
 }

@@ -82,6 +82,7 @@ EasyExchange::EasyExchange(EasySlot& slot, const TransportOptions& options, cons
 }
 
 EasyExchange::~EasyExchange() {
+    m_slot.keepUnread = false;
     // an unfinished transfer closes its connection here
     curl_multi_remove_handle(m_slot.multi, m_slot.easy);
     curl_easy_reset(m_slot.easy);
@@ -176,9 +177,13 @@ void EasyExchange::SetOptions(bool fresh) {
         easy, CURLOPT_PREREQFUNCTION, +[](void* self, char*, char*, int, int) -> int {
             auto* const me = static_cast<EasyExchange*>(self);
             me->m_connected = true;
+            me->m_slot.keepUnread = !me->m_request.https;
+            me->m_slot.unread.clear();
             me->m_lastMove = Clock::now();
             return CURL_PREREQFUNC_OK;
         });
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, &m_slot);
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &EasySlot::CloseSocket);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(
         easy, CURLOPT_HEADERFUNCTION,
@@ -370,11 +375,41 @@ Result EasyExchange::Judge(CURLcode code) {
         const std::string trouble = Describe(TroubleOf(code, verified), m_request.host);
         return {failure, trouble.empty() ? Words(code) : trouble + ": " + Words(code)};
     }
+    if (code == CURLE_SEND_ERROR && DeliverUnread()) {
+        return {};
+    }
     if (code == CURLE_SEND_ERROR || code == CURLE_SEND_FAIL_REWIND) {
         return {Failure::send, Words(code)};
     }
     return {Failure::receive,
             code == CURLE_OK ? "the connection ended before the answer's head" : Words(code)};
+}
+
+bool EasyExchange::DeliverUnread() {
+    std::string_view bytes = m_slot.unread;
+    HeadReader reader;
+    while (reader.GetState() == HeadReader::State::reading) {
+        const std::size_t end = bytes.find("\r\n\r\n");
+        if (end == std::string_view::npos) {
+            return false;
+        }
+        reader.AddHead(bytes.substr(0, end + 4));
+        bytes.remove_prefix(end + 4);
+    }
+    if (reader.GetState() == HeadReader::State::refused) {
+        return false;
+    }
+    // the connection broke, so its end says nothing: only a length does
+    BodyLedger ledger(m_request.method, reader.Head());
+    ledger.Add(bytes.size());
+    if (ledger.GetFraming() == BodyLedger::Framing::untilClose || !ledger.IsComplete(false)) {
+        return false;
+    }
+    m_head = std::move(reader);
+    if (m_receiver.OnHead(m_head.Head()) == Receiver::Want::more && !bytes.empty()) {
+        m_receiver.OnBody(bytes.data(), bytes.size());
+    }
+    return true;
 }
 
 }  // namespace Mirqos::Http

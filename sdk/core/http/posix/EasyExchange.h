@@ -46,6 +46,8 @@ private:
     bool WithinStall();
     Result Conclude();
     Result Judge(CURLcode code);
+    /// Delivers a whole answer found unread in a connection that broke while sending.
+    bool DeliverUnread();
     std::string Words(CURLcode code) const;
 
     std::size_t OnHeader(std::string_view line);

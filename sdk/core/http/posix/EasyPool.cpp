@@ -1,5 +1,8 @@
 #include "sdk/core/http/posix/EasyPool.h"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <iterator>
 #include <new>
@@ -20,6 +23,21 @@ EasySlot::EasySlot() : easy(curl_easy_init()), multi(curl_multi_init()) {
 EasySlot::~EasySlot() {
     curl_easy_cleanup(easy);
     curl_multi_cleanup(multi);
+}
+
+int EasySlot::CloseSocket(void* slot, curl_socket_t socket) {
+    auto* const self = static_cast<EasySlot*>(slot);
+    if (self->keepUnread) {
+        // a refusal is short; one that does not fit is reported as the send failure it also is
+        char room[64 * 1024];
+        const ssize_t got = recv(socket, room, sizeof(room), MSG_DONTWAIT);
+        try {
+            self->unread.assign(room, got > 0 ? static_cast<std::size_t>(got) : 0);
+        } catch (const std::bad_alloc&) {
+            self->unread.clear();
+        }
+    }
+    return close(socket);
 }
 
 EasyPool::EasyPool(unsigned size) : m_size(std::max(size, 1U)) {

@@ -21,6 +21,15 @@ struct EasySlot {
     CURL* easy = nullptr;
     CURLM* multi = nullptr;
     std::string server;  ///< whom the kept connection leads to
+
+    /// Whether to keep what is unread when the connection closes, and what that was. A server that
+    /// refuses an upload answers and hangs up; libcurl may fail to send before it looks for an
+    /// answer, and would close the socket over it.
+    bool keepUnread = false;
+    std::string unread;
+
+    /// Closes `socket`; for libcurl, which remembers the slot with the connection.
+    static int CloseSocket(void* slot, curl_socket_t socket);
 };
 
 /// Lends out up to `size` slots; the most recently used one for the same server comes first, so
