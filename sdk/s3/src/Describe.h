@@ -22,6 +22,12 @@ Client::WireRequest ForObject(const char* method, const Request& request) {
     return wire;
 }
 
+/// The answer is a document with this root.
+inline void ExpectXml(Client::WireRequest& wire, const char* root) {
+    wire.response = Client::ResponseKind::xml;
+    wire.xmlRoot = root;
+}
+
 /// The namespace that S3 wants on the root of the documents it is sent.
 inline constexpr char kXmlNamespace[] = "http://s3.amazonaws.com/doc/2006-03-01/";
 inline constexpr char kXmlContentType[] = "application/xml";

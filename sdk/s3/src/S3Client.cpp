@@ -1,10 +1,20 @@
 #include <aws/core/utils/threading/Executor.h>
 #include <aws/s3/S3Client.h>
 #include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/DeleteBucketRequest.h>
 #include <aws/s3/model/DeleteObjectRequest.h>
+#include <aws/s3/model/DeleteObjectsRequest.h>
+#include <aws/s3/model/GetBucketLocationRequest.h>
 #include <aws/s3/model/GetObjectRequest.h>
+#include <aws/s3/model/GetObjectTaggingRequest.h>
 #include <aws/s3/model/HeadBucketRequest.h>
+#include <aws/s3/model/HeadObjectRequest.h>
+#include <aws/s3/model/ListBucketsRequest.h>
+#include <aws/s3/model/ListMultipartUploadsRequest.h>
+#include <aws/s3/model/ListObjectsV2Request.h>
+#include <aws/s3/model/PutBucketLifecycleConfigurationRequest.h>
 #include <aws/s3/model/PutObjectRequest.h>
+#include <aws/s3/model/PutObjectTaggingRequest.h>
 
 #include <exception>
 #include <type_traits>
@@ -123,6 +133,16 @@ void S3Client::CreateBucketAsync(
     Submit<Model::CreateBucketOutcome>(request, handler, context);
 }
 
+Model::DeleteBucketOutcome S3Client::DeleteBucket(const Model::DeleteBucketRequest& request) const {
+    return m_impl->Call<Model::DeleteBucketOutcome>(request);
+}
+
+void S3Client::DeleteBucketAsync(
+    const Model::DeleteBucketRequest& request, const DeleteBucketResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::DeleteBucketOutcome>(request, handler, context);
+}
+
 Model::DeleteObjectOutcome S3Client::DeleteObject(const Model::DeleteObjectRequest& request) const {
     return m_impl->Call<Model::DeleteObjectOutcome>(request);
 }
@@ -131,6 +151,29 @@ void S3Client::DeleteObjectAsync(
     const Model::DeleteObjectRequest& request, const DeleteObjectResponseReceivedHandler& handler,
     const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
     Submit<Model::DeleteObjectOutcome>(request, handler, context);
+}
+
+Model::DeleteObjectsOutcome S3Client::DeleteObjects(
+    const Model::DeleteObjectsRequest& request) const {
+    return m_impl->Call<Model::DeleteObjectsOutcome>(request);
+}
+
+void S3Client::DeleteObjectsAsync(
+    const Model::DeleteObjectsRequest& request, const DeleteObjectsResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::DeleteObjectsOutcome>(request, handler, context);
+}
+
+Model::GetBucketLocationOutcome S3Client::GetBucketLocation(
+    const Model::GetBucketLocationRequest& request) const {
+    return m_impl->Call<Model::GetBucketLocationOutcome>(request);
+}
+
+void S3Client::GetBucketLocationAsync(
+    const Model::GetBucketLocationRequest& request,
+    const GetBucketLocationResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::GetBucketLocationOutcome>(request, handler, context);
 }
 
 Model::GetObjectOutcome S3Client::GetObject(const Model::GetObjectRequest& request) const {
@@ -143,6 +186,18 @@ void S3Client::GetObjectAsync(
     Submit<Model::GetObjectOutcome>(request, handler, context);
 }
 
+Model::GetObjectTaggingOutcome S3Client::GetObjectTagging(
+    const Model::GetObjectTaggingRequest& request) const {
+    return m_impl->Call<Model::GetObjectTaggingOutcome>(request);
+}
+
+void S3Client::GetObjectTaggingAsync(
+    const Model::GetObjectTaggingRequest& request,
+    const GetObjectTaggingResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::GetObjectTaggingOutcome>(request, handler, context);
+}
+
 Model::HeadBucketOutcome S3Client::HeadBucket(const Model::HeadBucketRequest& request) const {
     return m_impl->Call<Model::HeadBucketOutcome>(request);
 }
@@ -153,6 +208,55 @@ void S3Client::HeadBucketAsync(
     Submit<Model::HeadBucketOutcome>(request, handler, context);
 }
 
+Model::HeadObjectOutcome S3Client::HeadObject(const Model::HeadObjectRequest& request) const {
+    return m_impl->Call<Model::HeadObjectOutcome>(request);
+}
+
+void S3Client::HeadObjectAsync(
+    const Model::HeadObjectRequest& request, const HeadObjectResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::HeadObjectOutcome>(request, handler, context);
+}
+
+Model::ListBucketsOutcome S3Client::ListBuckets() const {
+    return m_impl->Call<Model::ListBucketsOutcome>(Model::ListBucketsRequest());
+}
+
+Model::ListMultipartUploadsOutcome S3Client::ListMultipartUploads(
+    const Model::ListMultipartUploadsRequest& request) const {
+    return m_impl->Call<Model::ListMultipartUploadsOutcome>(request);
+}
+
+void S3Client::ListMultipartUploadsAsync(
+    const Model::ListMultipartUploadsRequest& request,
+    const ListMultipartUploadsResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::ListMultipartUploadsOutcome>(request, handler, context);
+}
+
+Model::ListObjectsV2Outcome S3Client::ListObjectsV2(
+    const Model::ListObjectsV2Request& request) const {
+    return m_impl->Call<Model::ListObjectsV2Outcome>(request);
+}
+
+void S3Client::ListObjectsV2Async(
+    const Model::ListObjectsV2Request& request, const ListObjectsV2ResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::ListObjectsV2Outcome>(request, handler, context);
+}
+
+Model::PutBucketLifecycleConfigurationOutcome S3Client::PutBucketLifecycleConfiguration(
+    const Model::PutBucketLifecycleConfigurationRequest& request) const {
+    return m_impl->Call<Model::PutBucketLifecycleConfigurationOutcome>(request);
+}
+
+void S3Client::PutBucketLifecycleConfigurationAsync(
+    const Model::PutBucketLifecycleConfigurationRequest& request,
+    const PutBucketLifecycleConfigurationResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::PutBucketLifecycleConfigurationOutcome>(request, handler, context);
+}
+
 Model::PutObjectOutcome S3Client::PutObject(const Model::PutObjectRequest& request) const {
     return m_impl->Call<Model::PutObjectOutcome>(request);
 }
@@ -161,6 +265,18 @@ void S3Client::PutObjectAsync(
     const Model::PutObjectRequest& request, const PutObjectResponseReceivedHandler& handler,
     const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
     Submit<Model::PutObjectOutcome>(request, handler, context);
+}
+
+Model::PutObjectTaggingOutcome S3Client::PutObjectTagging(
+    const Model::PutObjectTaggingRequest& request) const {
+    return m_impl->Call<Model::PutObjectTaggingOutcome>(request);
+}
+
+void S3Client::PutObjectTaggingAsync(
+    const Model::PutObjectTaggingRequest& request,
+    const PutObjectTaggingResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::PutObjectTaggingOutcome>(request, handler, context);
 }
 
 }  // namespace Aws::S3

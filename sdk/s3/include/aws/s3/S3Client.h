@@ -9,8 +9,16 @@
 #include <aws/s3/S3Errors.h>
 #include <aws/s3/model/CreateBucketResult.h>
 #include <aws/s3/model/DeleteObjectResult.h>
+#include <aws/s3/model/DeleteObjectsResult.h>
+#include <aws/s3/model/GetBucketLocationResult.h>
 #include <aws/s3/model/GetObjectResult.h>
+#include <aws/s3/model/GetObjectTaggingResult.h>
+#include <aws/s3/model/HeadObjectResult.h>
+#include <aws/s3/model/ListBucketsResult.h>
+#include <aws/s3/model/ListMultipartUploadsResult.h>
+#include <aws/s3/model/ListObjectsV2Result.h>
 #include <aws/s3/model/PutObjectResult.h>
+#include <aws/s3/model/PutObjectTaggingResult.h>
 
 #include <functional>
 #include <memory>
@@ -25,16 +33,35 @@ class S3Client;
 namespace Model {
 
 class CreateBucketRequest;
+class DeleteBucketRequest;
 class DeleteObjectRequest;
+class DeleteObjectsRequest;
+class GetBucketLocationRequest;
 class GetObjectRequest;
+class GetObjectTaggingRequest;
 class HeadBucketRequest;
+class HeadObjectRequest;
+class ListMultipartUploadsRequest;
+class ListObjectsV2Request;
+class PutBucketLifecycleConfigurationRequest;
 class PutObjectRequest;
+class PutObjectTaggingRequest;
 
 using CreateBucketOutcome = Aws::Utils::Outcome<CreateBucketResult, S3Error>;
+using DeleteBucketOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
 using DeleteObjectOutcome = Aws::Utils::Outcome<DeleteObjectResult, S3Error>;
+using DeleteObjectsOutcome = Aws::Utils::Outcome<DeleteObjectsResult, S3Error>;
+using GetBucketLocationOutcome = Aws::Utils::Outcome<GetBucketLocationResult, S3Error>;
 using GetObjectOutcome = Aws::Utils::Outcome<GetObjectResult, S3Error>;
+using GetObjectTaggingOutcome = Aws::Utils::Outcome<GetObjectTaggingResult, S3Error>;
 using HeadBucketOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
+using HeadObjectOutcome = Aws::Utils::Outcome<HeadObjectResult, S3Error>;
+using ListBucketsOutcome = Aws::Utils::Outcome<ListBucketsResult, S3Error>;
+using ListMultipartUploadsOutcome = Aws::Utils::Outcome<ListMultipartUploadsResult, S3Error>;
+using ListObjectsV2Outcome = Aws::Utils::Outcome<ListObjectsV2Result, S3Error>;
+using PutBucketLifecycleConfigurationOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
 using PutObjectOutcome = Aws::Utils::Outcome<PutObjectResult, S3Error>;
+using PutObjectTaggingOutcome = Aws::Utils::Outcome<PutObjectTaggingResult, S3Error>;
 
 }  // namespace Model
 
@@ -47,14 +74,33 @@ using ResponseReceivedHandler =
 
 using CreateBucketResponseReceivedHandler =
     ResponseReceivedHandler<Model::CreateBucketRequest, Model::CreateBucketOutcome>;
+using DeleteBucketResponseReceivedHandler =
+    ResponseReceivedHandler<Model::DeleteBucketRequest, Model::DeleteBucketOutcome>;
 using DeleteObjectResponseReceivedHandler =
     ResponseReceivedHandler<Model::DeleteObjectRequest, Model::DeleteObjectOutcome>;
+using DeleteObjectsResponseReceivedHandler =
+    ResponseReceivedHandler<Model::DeleteObjectsRequest, Model::DeleteObjectsOutcome>;
+using GetBucketLocationResponseReceivedHandler =
+    ResponseReceivedHandler<Model::GetBucketLocationRequest, Model::GetBucketLocationOutcome>;
 using GetObjectResponseReceivedHandler =
     ResponseReceivedHandler<Model::GetObjectRequest, Model::GetObjectOutcome>;
+using GetObjectTaggingResponseReceivedHandler =
+    ResponseReceivedHandler<Model::GetObjectTaggingRequest, Model::GetObjectTaggingOutcome>;
 using HeadBucketResponseReceivedHandler =
     ResponseReceivedHandler<Model::HeadBucketRequest, Model::HeadBucketOutcome>;
+using HeadObjectResponseReceivedHandler =
+    ResponseReceivedHandler<Model::HeadObjectRequest, Model::HeadObjectOutcome>;
+using ListMultipartUploadsResponseReceivedHandler =
+    ResponseReceivedHandler<Model::ListMultipartUploadsRequest, Model::ListMultipartUploadsOutcome>;
+using ListObjectsV2ResponseReceivedHandler =
+    ResponseReceivedHandler<Model::ListObjectsV2Request, Model::ListObjectsV2Outcome>;
+using PutBucketLifecycleConfigurationResponseReceivedHandler =
+    ResponseReceivedHandler<Model::PutBucketLifecycleConfigurationRequest,
+                            Model::PutBucketLifecycleConfigurationOutcome>;
 using PutObjectResponseReceivedHandler =
     ResponseReceivedHandler<Model::PutObjectRequest, Model::PutObjectOutcome>;
+using PutObjectTaggingResponseReceivedHandler =
+    ResponseReceivedHandler<Model::PutObjectTaggingRequest, Model::PutObjectTaggingOutcome>;
 
 /// A client of one account and one service address. Every call may run on any number of threads at
 /// once; failures are outcomes, never exceptions (but std::bad_alloc and those of response stream
@@ -91,6 +137,13 @@ public:
         const CreateBucketResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
+    virtual Model::DeleteBucketOutcome DeleteBucket(
+        const Model::DeleteBucketRequest& request) const;
+    virtual void DeleteBucketAsync(
+        const Model::DeleteBucketRequest& request,
+        const DeleteBucketResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
     virtual Model::DeleteObjectOutcome DeleteObject(
         const Model::DeleteObjectRequest& request) const;
     virtual void DeleteObjectAsync(
@@ -98,9 +151,30 @@ public:
         const DeleteObjectResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
+    virtual Model::DeleteObjectsOutcome DeleteObjects(
+        const Model::DeleteObjectsRequest& request) const;
+    virtual void DeleteObjectsAsync(
+        const Model::DeleteObjectsRequest& request,
+        const DeleteObjectsResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::GetBucketLocationOutcome GetBucketLocation(
+        const Model::GetBucketLocationRequest& request) const;
+    virtual void GetBucketLocationAsync(
+        const Model::GetBucketLocationRequest& request,
+        const GetBucketLocationResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
     virtual Model::GetObjectOutcome GetObject(const Model::GetObjectRequest& request) const;
     virtual void GetObjectAsync(
         const Model::GetObjectRequest& request, const GetObjectResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::GetObjectTaggingOutcome GetObjectTagging(
+        const Model::GetObjectTaggingRequest& request) const;
+    virtual void GetObjectTaggingAsync(
+        const Model::GetObjectTaggingRequest& request,
+        const GetObjectTaggingResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
     virtual Model::HeadBucketOutcome HeadBucket(const Model::HeadBucketRequest& request) const;
@@ -108,9 +182,44 @@ public:
         const Model::HeadBucketRequest& request, const HeadBucketResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
+    virtual Model::HeadObjectOutcome HeadObject(const Model::HeadObjectRequest& request) const;
+    virtual void HeadObjectAsync(
+        const Model::HeadObjectRequest& request, const HeadObjectResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::ListBucketsOutcome ListBuckets() const;
+
+    virtual Model::ListMultipartUploadsOutcome ListMultipartUploads(
+        const Model::ListMultipartUploadsRequest& request) const;
+    virtual void ListMultipartUploadsAsync(
+        const Model::ListMultipartUploadsRequest& request,
+        const ListMultipartUploadsResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::ListObjectsV2Outcome ListObjectsV2(
+        const Model::ListObjectsV2Request& request) const;
+    virtual void ListObjectsV2Async(
+        const Model::ListObjectsV2Request& request,
+        const ListObjectsV2ResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::PutBucketLifecycleConfigurationOutcome PutBucketLifecycleConfiguration(
+        const Model::PutBucketLifecycleConfigurationRequest& request) const;
+    virtual void PutBucketLifecycleConfigurationAsync(
+        const Model::PutBucketLifecycleConfigurationRequest& request,
+        const PutBucketLifecycleConfigurationResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
     virtual Model::PutObjectOutcome PutObject(const Model::PutObjectRequest& request) const;
     virtual void PutObjectAsync(
         const Model::PutObjectRequest& request, const PutObjectResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::PutObjectTaggingOutcome PutObjectTagging(
+        const Model::PutObjectTaggingRequest& request) const;
+    virtual void PutObjectTaggingAsync(
+        const Model::PutObjectTaggingRequest& request,
+        const PutObjectTaggingResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
 private:

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <aws/core/utils/memory/stl/AWSVector.h>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "sdk/core/xml/Xml.h"
+
+/// Reading results out of the XML of an answer.
+namespace Mirqos::S3 {
+
+/// A value, made from its element, for each child called `name`, in their order.
+template <typename Value>
+Aws::Vector<Value> ReadAll(const Xml::Element& parent, std::string_view name) {
+    Aws::Vector<Value> values;
+    values.reserve(static_cast<std::size_t>(
+        std::count_if(parent.children.begin(), parent.children.end(),
+                      [&](const Xml::Element& child) { return child.name == name; })));
+    for (const Xml::Element& child : parent.children) {
+        if (child.name == name) {
+            values.emplace_back(child);
+        }
+    }
+    return values;
+}
+
+/// A size in bytes in decimal; 0 for anything else.
+inline long long SizeOf(const std::string& text) {
+    long long size = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, problem] = std::from_chars(text.data(), end, size);
+    return problem == std::errc() && stop == end && size >= 0 ? size : 0;
+}
+
+}  // namespace Mirqos::S3
