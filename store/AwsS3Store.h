@@ -67,6 +67,11 @@ private:
     /// The caller's key as it goes to the service: a copy, with the key substitution of the
     /// provider types that need it.
     Aws::String KeyForService(const char* pszKey) const;
+    /// Asks for URL-encoded keys where the endpoint names the provider that needs it.
+    void EncodeListingForMarkedProvider(const char* pszOperation,
+                                        Aws::S3::Model::ListObjectsV2Request& request) const;
+    int32_t DeleteInOneRequest(CloudStoreDeleteObjectsContextV2* pContext);
+    int32_t DeleteOneByOne(CloudStoreDeleteObjectsContextV2* pContext);
 
     // Raw on purpose: a second Init replaces the client and leaves the earlier one running, since
     // requests of it may still be in progress.

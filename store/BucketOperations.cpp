@@ -1,12 +1,15 @@
 #include <aws/s3/model/BucketLocationConstraint.h>
 #include <aws/s3/model/CreateBucketConfiguration.h>
 #include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/DeleteBucketRequest.h>
 #include <aws/s3/model/HeadBucketRequest.h>
 
 #include <cassert>
+#include <memory>
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/PackedTextList.h"
 
 namespace {
 
@@ -46,6 +49,25 @@ int32_t AwsS3Store::CreateBucket(CloudStoreCreateBucketContext* pContext) {
     return nStatus;
 }
 
+int32_t AwsS3Store::DeleteBucket(CloudStoreDeleteBucketContext* pContext) {
+    assert(pContext != nullptr && m_pClient != nullptr);
+    if (pContext->m_pszBucket == nullptr) {
+        return kNoBucketNamed;
+    }
+    Aws::S3::Model::DeleteBucketRequest request;
+    request.SetBucket(pContext->m_pszBucket);
+
+    const auto outcome = m_pClient->DeleteBucket(request);
+    if (outcome.IsSuccess()) {
+        ModuleLog(&g_ModuleLog, 1, "delete bucket:[%s] successful!", pContext->m_pszBucket);
+        return 0;
+    }
+    const int32_t nStatus = Mirqos::StatusOf(outcome);
+    ModuleLog(&g_ModuleLog, 1, "delete bucket:[%s] failed.[%s]:[%d].", pContext->m_pszBucket,
+              outcome.GetError().GetMessage().c_str(), nStatus);
+    return nStatus;
+}
+
 int32_t AwsS3Store::HeadBucket(CloudStoreHeadBucketConext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     pContext->m_bExists = false;
@@ -64,6 +86,36 @@ int32_t AwsS3Store::HeadBucket(CloudStoreHeadBucketConext* pContext) {
                   outcome.GetError().GetMessage().c_str(), pContext->m_pszBucket);
     }
     // A missing bucket and a refused request look alike to the caller: m_bExists is the answer.
+    return 0;
+}
+
+int32_t AwsS3Store::ListBucket(CloudStoreListBucketContext* pContext) {
+    assert(pContext != nullptr && m_pClient != nullptr);
+    const auto outcome = m_pClient->ListBuckets();
+    if (!outcome.IsSuccess()) {
+        const int32_t nStatus = Mirqos::StatusOf(outcome);
+        ModuleLog(&g_ModuleLog, 1, "list bucket failed:[%s]. EC:[%d].",
+                  outcome.GetError().GetMessage().c_str(), nStatus);
+        return nStatus;
+    }
+    const auto& buckets = outcome.GetResult().GetBuckets();
+    if (buckets.empty()) {
+        ModuleLog(&g_ModuleLog, 1, "There is no bucket.");
+        return 0;
+    }
+    size_t nTextBytes = 0;
+    for (const auto& bucket : buckets) {
+        nTextBytes += bucket.GetName().size();
+    }
+    const size_t nSize = Mirqos::PackedSize(nTextBytes, buckets.size());
+    auto pNames = std::make_unique<char[]>(nSize);
+    Mirqos::PackedTextWriter names(pNames.get(), nSize);
+    for (const auto& bucket : buckets) {
+        [[maybe_unused]] const int nCode = names.Append(bucket.GetName());
+        assert(nCode == Mirqos::kCopyDone);
+        names.EndEntry();
+    }
+    pContext->m_pBucketNames = pNames.release();
     return 0;
 }
 

@@ -28,58 +28,6 @@ int32_t AwsS3Store::CopyObject(CloudStoreCopyObjectContext*) {
     return NotSupported("CopyObject");
 }
 
-int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext*) {
-    return NotSupported("ListObjects");
-}
-
-int32_t AwsS3Store::ListObjectsSegmented(CloudStoreListObjectConext*) {
-    return NotSupported("ListObjectsSegmented");
-}
-
-int32_t AwsS3Store::ReleaseObjectData(CloudStoreListObjectConext*) {
-    return NotSupported("ReleaseObjectData");
-}
-
-int32_t AwsS3Store::DeleteObjectsV2(CloudStoreDeleteObjectsContextV2*) {
-    return NotSupported("DeleteObjectsV2");
-}
-
-int32_t AwsS3Store::DeleteBucket(CloudStoreDeleteBucketContext*) {
-    return NotSupported("DeleteBucket");
-}
-
-int32_t AwsS3Store::ListBucket(CloudStoreListBucketContext*) {
-    return NotSupported("ListBucket");
-}
-
-int32_t AwsS3Store::HeadObject(CloudStoreHeadObjectConext*) {
-    return NotSupported("HeadObject");
-}
-
-int32_t AwsS3Store::SearchObject(CloudStoreSearchObjectConext*) {
-    return NotSupported("SearchObject");
-}
-
-int32_t AwsS3Store::ListMultipartUploads(CloudStoreListPartContext*) {
-    return NotSupported("ListMultipartUploads");
-}
-
-int32_t AwsS3Store::PutBucketLifecycleConfiguration(LifecycleConfigContext*) {
-    return NotSupported("PutBucketLifecycleConfiguration");
-}
-
-int32_t AwsS3Store::PutObjectTagging(PutObjectTaggingContext*) {
-    return NotSupported("PutObjectTagging");
-}
-
-int32_t AwsS3Store::GetObjectTagging(GetObjectTaggingContext*) {
-    return NotSupported("GetObjectTagging");
-}
-
-int32_t AwsS3Store::GetBucketLocation(const char*, char*, uint64_t) {
-    return NotSupported("GetBucketLocation");
-}
-
 int32_t AwsS3Store::InitMultiPartUpload(CloudStoreInitMultiPartUploadContext*,
                                         CloudStoreInitMultiPartUploadOutcome*) {
     return NotSupported("InitMultiPartUpload");

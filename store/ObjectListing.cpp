@@ -1,0 +1,207 @@
+#include <aws/s3/model/ListObjectsV2Request.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cctype>
+#include <iterator>
+#include <new>
+#include <string>
+
+#include "log/ModuleLog.h"
+#include "platform/bounded_copy.h"
+#include "store/AwsS3Store.h"
+#include "store/ObjectKey.h"
+#include "store/ProviderMarker.h"
+
+using Aws::S3::Model::ListObjectsV2Request;
+using Objects = Aws::Vector<Aws::S3::Model::Object>;
+
+namespace {
+
+// A whole listing never hands out more; the caller that needs the rest lists by segments.
+constexpr size_t kMostObjects = 1000;
+constexpr int32_t kOutOfMemory = 14;
+
+// Copies the listed objects into one block that ReleaseObjectData frees. No objects, no block.
+int32_t HandOut(const Objects& objects, bool bDecodeKeys, const char* pszOperation,
+                CloudStoreListObjectConext* pContext) {
+    if (objects.empty()) {
+        return 0;
+    }
+    auto* pRecords = new (std::nothrow) CloudStoreObjInfo[objects.size()];
+    if (pRecords == nullptr) {
+        ModuleLog(&g_ModuleLog, 1, "[%s]Failed to allocated memory. size: %llu.", pszOperation,
+                  static_cast<unsigned long long>(objects.size() * sizeof(CloudStoreObjInfo)));
+        return kOutOfMemory;
+    }
+    CloudStoreObjInfo* pRecord = pRecords;
+    for (const auto& object : objects) {
+        pRecord->m_nSize = static_cast<uint64_t>(object.GetSize());
+        if (bDecodeKeys) {
+            Aws::String key = object.GetKey();
+            DecodeObjectKey(key);
+            Mirqos::CopyTextOrEndProcess(pRecord->m_szKey, sizeof pRecord->m_szKey, key.c_str());
+        } else {
+            Mirqos::CopyTextOrEndProcess(pRecord->m_szKey, sizeof pRecord->m_szKey,
+                                         object.GetKey().c_str());
+        }
+        ++pRecord;
+    }
+    pContext->m_nObjectCount = objects.size();
+    pContext->m_pObjects = pRecords;
+    return 0;
+}
+
+void ClearResult(CloudStoreListObjectConext* pContext) {
+    pContext->m_pObjects = nullptr;
+    pContext->m_nObjectCount = 0;
+    pContext->m_bTruncated = false;
+}
+
+void LogEnter(const char* pszOperation, const ListObjectsV2Request& request) {
+    ModuleLog(&g_ModuleLog, 3, "%s enter. bucket:[%s] prefix:[%s].", pszOperation,
+              request.GetBucket().c_str(), request.GetPrefix().c_str());
+}
+
+void LogComplete(const char* pszOperation, int32_t nStatus, const ListObjectsV2Request& request,
+                 uint64_t nCount, bool bTruncated) {
+    ModuleLog(&g_ModuleLog, 1,
+              "%s complete with %d. bucket:[%s] prefix:[%s] count:[%llu], Truncated:[%d].",
+              pszOperation, nStatus, request.GetBucket().c_str(), request.GetPrefix().c_str(),
+              static_cast<unsigned long long>(nCount), bTruncated ? 1 : 0);
+}
+
+template <class Outcome>
+int32_t LogFailure(const char* pszOperation, const ListObjectsV2Request& request,
+                   const Outcome& outcome) {
+    const int32_t nStatus = Mirqos::StatusOf(outcome);
+    ModuleLog(&g_ModuleLog, 1, "[%s]ListObjectsV2 in bucket:[%s] failed.", pszOperation,
+              request.GetBucket().c_str());
+    ModuleLog(&g_ModuleLog, 1, "[%s]The error message:[%s], EC:[%d]", pszOperation,
+              outcome.GetError().GetMessage().c_str(), nStatus);
+    return nStatus;
+}
+
+}  // namespace
+
+void AwsS3Store::EncodeListingForMarkedProvider(const char* pszOperation,
+                                                ListObjectsV2Request& request) const {
+    if (m_nProviderType != Mirqos::ProviderType::kEndpointService || m_strEndPoint.empty()) {
+        return;
+    }
+    ModuleLog(&g_ModuleLog, 1, "%s EndPoint[%s] ", pszOperation, m_strEndPoint.c_str());
+    if (Mirqos::HasProviderMarker(m_strEndPoint)) {
+        // The keys of the answer are handed out as they arrive, still encoded: hosts expect it.
+        request.WithEncodingType(Aws::S3::Model::EncodingType::url);
+    }
+}
+
+int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
+    constexpr char kOperation[] = "AwsS3Store::ListObjects";
+    assert(pContext != nullptr && m_pClient != nullptr);
+    ListObjectsV2Request request;
+    request.SetBucket(pContext->m_pszBucket != nullptr ? pContext->m_pszBucket : GetBucketName());
+    if (pContext->m_pszPrefix != nullptr) {
+        request.SetPrefix(pContext->m_pszPrefix);
+    }
+    if (pContext->m_bCheckProviderMarker) {
+        EncodeListingForMarkedProvider(kOperation, request);
+    }
+    LogEnter(kOperation, request);
+
+    int32_t nStatus = 0;
+    Objects objects;
+    ClearResult(pContext);
+    ++m_nRequestCount;
+    auto outcome = m_pClient->ListObjectsV2(request);
+    while (outcome.IsSuccess()) {
+        auto page = outcome.GetResultWithOwnership();
+        const Objects& entries = page.GetContents();
+        const size_t nTaken = std::min(entries.size(), kMostObjects - objects.size());
+        std::copy_n(entries.begin(), nTaken, std::back_inserter(objects));
+        if (nTaken < entries.size()) {
+            pContext->m_bTruncated = true;
+            break;
+        }
+        if (!page.GetIsTruncated()) {
+            break;
+        }
+        ModuleLog(&g_ModuleLog, 2,
+                  "[%s]Truncated! There are %llu objects returned by ListObjectsV2. "
+                  "NextContinuationToken:%s.",
+                  kOperation, static_cast<unsigned long long>(entries.size()),
+                  page.GetNextContinuationToken().c_str());
+        if (objects.size() >= kMostObjects) {
+            pContext->m_bTruncated = true;
+            break;
+        }
+        request.SetContinuationToken(page.GetNextContinuationToken());
+        ++m_nRequestCount;
+        outcome = m_pClient->ListObjectsV2(request);
+    }
+    if (!outcome.IsSuccess()) {
+        nStatus = LogFailure(kOperation, request, outcome);
+    }
+    // The error type decides, not the outcome: with type 0 the caller gets what was gathered.
+    if (nStatus == 0) {
+        nStatus = HandOut(objects, SubstitutesKeys(m_nProviderType), kOperation, pContext);
+    }
+    LogComplete(kOperation, nStatus, request, pContext->m_nObjectCount, pContext->m_bTruncated);
+    return nStatus;
+}
+
+int32_t AwsS3Store::ListObjectsSegmented(CloudStoreListObjectConext* pContext) {
+    constexpr char kOperation[] = "AwsS3Store::ListObjectsSegmented";
+    assert(pContext != nullptr && m_pClient != nullptr);
+    ListObjectsV2Request request;
+    // The other way round than ListObjects, and to stay so: hosts set the field to anything and
+    // mean the configured bucket. Without it the request names no bucket and fails.
+    if (pContext->m_pszBucket != nullptr) {
+        request.SetBucket(GetBucketName());
+    }
+    EncodeListingForMarkedProvider(kOperation, request);
+    if (pContext->m_pszPrefix != nullptr) {
+        request.SetPrefix(pContext->m_pszPrefix);
+    }
+    if (pContext->m_szContinuationToken[0] != '\0') {
+        request.SetContinuationToken(pContext->m_szContinuationToken);
+    }
+    LogEnter(kOperation, request);
+
+    ++m_nRequestCount;
+    ClearResult(pContext);
+    bool bPageTruncated = false;
+    int32_t nStatus = 0;
+    const auto outcome = m_pClient->ListObjectsV2(request);
+    if (!outcome.IsSuccess()) {
+        nStatus = LogFailure(kOperation, request, outcome);
+    } else {
+        const auto& page = outcome.GetResult();
+        bPageTruncated = page.GetIsTruncated();
+        nStatus =
+            HandOut(page.GetContents(), SubstitutesKeys(m_nProviderType), kOperation, pContext);
+        if (nStatus == 0) {
+            pContext->m_bTruncated = bPageTruncated;
+            Mirqos::CopyTextOrEndProcess(
+                pContext->m_szContinuationToken, sizeof pContext->m_szContinuationToken,
+                bPageTruncated ? page.GetNextContinuationToken().c_str() : "");
+        }
+    }
+    LogComplete(kOperation, nStatus, request, pContext->m_nObjectCount, bPageTruncated);
+    return nStatus;
+}
+
+int32_t AwsS3Store::ReleaseObjectData(CloudStoreListObjectConext* pContext) {
+    constexpr char kOperation[] = "AwsS3Store::ReleaseObjectData";
+    assert(pContext != nullptr);
+    ModuleLog(&g_ModuleLog, 3, "%s enter. bucket:[%s] prefix:[%s] count:[%llu].", kOperation,
+              pContext->m_pszBucket, pContext->m_pszPrefix,
+              static_cast<unsigned long long>(pContext->m_nObjectCount));
+    if (pContext->m_pObjects != nullptr) {
+        delete[] pContext->m_pObjects;
+        pContext->m_pObjects = nullptr;
+        pContext->m_nObjectCount = 0;
+    }
+    ModuleLog(&g_ModuleLog, 3, "%s leave.", kOperation);
+    return 0;
+}
