@@ -91,18 +91,26 @@ public:
         }
     }
 
+    /// An operation that sends nothing.
+    template <class... Parameters>
+    void Silent(const char* name, int number,
+                std::int32_t (MIRQOSInterface::*byName)(Parameters...), std::int32_t status,
+                typename Same<Parameters>::type... arguments) {
+        const std::uint64_t count = m_store->GetRequestCount();
+        m_checks.ExpectEqual((m_store->*byName)(arguments...), status, name);
+        m_checks.ExpectEqual(CallByPlace<std::int32_t>(m_store, number, arguments...), status,
+                             std::string(name) + " by place");
+        m_checks.ExpectEqual(m_server.TakeRequests().size(), 0u, std::string(name) + ", requests");
+        m_checks.ExpectEqual(m_store->GetRequestCount(), count,
+                             std::string(name) + ", request count");
+    }
+
     /// An operation that the library does not have yet: it says so and sends nothing.
     template <class... Parameters>
     void NotSupported(const char* name, int number,
                       std::int32_t (MIRQOSInterface::*byName)(Parameters...),
                       typename Same<Parameters>::type... arguments) {
-        const std::uint64_t count = m_store->GetRequestCount();
-        m_checks.ExpectEqual((m_store->*byName)(arguments...), kNotSupported, name);
-        m_checks.ExpectEqual(CallByPlace<std::int32_t>(m_store, number, arguments...),
-                             kNotSupported, std::string(name) + " by place");
-        m_checks.ExpectEqual(m_server.TakeRequests().size(), 0u, std::string(name) + ", requests");
-        m_checks.ExpectEqual(m_store->GetRequestCount(), count,
-                             std::string(name) + ", request count");
+        Silent(name, number, byName, kNotSupported, arguments...);
     }
 
 private:
@@ -146,9 +154,11 @@ void CheckObjects(Session& session) {
 
     CloudStoreListObjectConext listing;
     listing.m_pszBucket = "host-bucket";
-    session.NotSupported("ListObjects", 11, &I::ListObjects, &listing);
-    session.NotSupported("ListObjectsSegmented", 12, &I::ListObjectsSegmented, &listing);
-    session.NotSupported("ReleaseObjectData", 13, &I::ReleaseObjectData, &listing);
+    session.Refused({"GET /host-bucket?list-type=2", kAccessDenied, 1}, "ListObjects", 11,
+                    &I::ListObjects, &listing);
+    session.Refused({"GET /host-bucket?list-type=2", kAccessDenied, 1}, "ListObjectsSegmented", 12,
+                    &I::ListObjectsSegmented, &listing);
+    session.Silent("ReleaseObjectData", 13, &I::ReleaseObjectData, 0, &listing);
 
     CloudStoreDeleteObjectContext deletion;
     deletion.m_pszBucket = "host-bucket";
@@ -158,26 +168,31 @@ void CheckObjects(Session& session) {
     CloudStoreDeleteObjectsContextV2 deletions;
     deletions.m_pszBucket = "host-bucket";
     deletions.m_pKeys = "host-key\0other-key\0";
-    session.NotSupported("DeleteObjectsV2", 15, &I::DeleteObjectsV2, &deletions);
+    session.Refused({"POST /host-bucket?delete", kAccessDenied, 0}, "DeleteObjectsV2", 15,
+                    &I::DeleteObjectsV2, &deletions);
 
     CloudStoreHeadObjectConext head;
     head.m_pszBucket = "host-bucket";
     head.m_pszKey = "host-key";
-    session.NotSupported("HeadObject", 21, &I::HeadObject, &head);
+    session.Refused({"HEAD /host-bucket/host-key", kAccessDenied, 1}, "HeadObject", 21,
+                    &I::HeadObject, &head);
     CloudStoreSearchObjectConext search;
     search.m_pszBucket = "host-bucket";
     search.m_pszKey = "host-";
-    session.NotSupported("SearchObject", 22, &I::SearchObject, &search);
+    session.Refused({"GET /host-bucket?list-type=2&prefix=host-", kAccessDenied, 1}, "SearchObject",
+                    22, &I::SearchObject, &search);
 
     PutObjectTaggingContext putTags;
     putTags.m_pszBucket = "host-bucket";
     putTags.m_pszKey = "host-key";
     putTags.m_pTags = "kind:test\0";
-    session.NotSupported("PutObjectTagging", 25, &I::PutObjectTagging, &putTags);
+    session.Refused({"PUT /host-bucket/host-key?tagging", kAccessDenied, 1}, "PutObjectTagging", 25,
+                    &I::PutObjectTagging, &putTags);
     GetObjectTaggingContext getTags;
     getTags.m_pszBucket = "host-bucket";
     getTags.m_pszKey = "host-key";
-    session.NotSupported("GetObjectTagging", 26, &I::GetObjectTagging, &getTags);
+    session.Refused({"GET /host-bucket/host-key?tagging", kAccessDenied, 1}, "GetObjectTagging", 26,
+                    &I::GetObjectTagging, &getTags);
 }
 
 void CheckBuckets(Checks& checks, Session& session) {
@@ -187,10 +202,11 @@ void CheckBuckets(Checks& checks, Session& session) {
                     &creation);
     CloudStoreDeleteBucketContext deletion;
     deletion.m_pszBucket = "host-bucket";
-    session.NotSupported("DeleteBucket", 17, &I::DeleteBucket, &deletion);
+    session.Refused({"DELETE /host-bucket", kAccessDenied, 0}, "DeleteBucket", 17, &I::DeleteBucket,
+                    &deletion);
 
     CloudStoreListBucketContext buckets;
-    session.NotSupported("ListBucket", 18, &I::ListBucket, &buckets);
+    session.Refused({"GET /", kAccessDenied, 0}, "ListBucket", 18, &I::ListBucket, &buckets);
     session.Store()->ReleaseBucketList(&buckets);
     CallByPlace<void>(session.Store(), 19, &buckets);
     checks.Expect(buckets.m_pBucketNames == nullptr, "ReleaseBucketList of nothing");
@@ -204,16 +220,19 @@ void CheckBuckets(Checks& checks, Session& session) {
 
     CloudStoreListPartContext uploads;
     uploads.m_pszBucket = "host-bucket";
-    session.NotSupported("ListMultipartUploads", 23, &I::ListMultipartUploads, &uploads);
+    uploads.m_pszPrefix = "host-";
+    session.Refused({"GET /host-bucket?uploads&prefix=host-", kAccessDenied, 1},
+                    "ListMultipartUploads", 23, &I::ListMultipartUploads, &uploads);
     LifecycleConfigContext lifecycle;
     lifecycle.m_pszBucket = "host-bucket";
     lifecycle.m_pszPrefix = "host-";
     lifecycle.m_nDays = 1;
-    session.NotSupported("PutBucketLifecycleConfiguration", 24, &I::PutBucketLifecycleConfiguration,
-                         &lifecycle);
+    session.Refused({"PUT /host-bucket?lifecycle", kAccessDenied, 1},
+                    "PutBucketLifecycleConfiguration", 24, &I::PutBucketLifecycleConfiguration,
+                    &lifecycle);
     char location[260];
-    session.NotSupported("GetBucketLocation", 27, &I::GetBucketLocation, "host-bucket", location,
-                         sizeof location);
+    session.Refused({"GET /host-bucket?location", kAccessDenied, 0}, "GetBucketLocation", 27,
+                    &I::GetBucketLocation, "host-bucket", location, sizeof location);
 }
 
 void CheckUploads(Session& session) {

@@ -61,6 +61,12 @@ std::string CanonicalQuery(const std::string& query) {
 
 }  // namespace
 
+std::string Md5Of(const std::string& bytes) {
+    Crypto::Md5 hash;
+    hash.Update(bytes.data(), bytes.size());
+    return Crypto::ToBase64(hash.Finish());
+}
+
 std::string Sha256Of(const std::string& bytes) {
     Crypto::Sha256 hash;
     hash.Update(bytes.data(), bytes.size());

@@ -19,4 +19,7 @@ std::string SignedHeadersOf(const RecordedRequest& request);
 /// Lower-case hexadecimal SHA-256.
 std::string Sha256Of(const std::string& bytes);
 
+/// Base64 of the MD5, as Content-MD5 carries it.
+std::string Md5Of(const std::string& bytes);
+
 }  // namespace Mirqos::Test
