@@ -7,15 +7,10 @@
 
 #include "log/CMIRQOSLog.h"
 #include "platform/format.h"
-#include "platform/process.h"
 
 namespace {
 
 constexpr std::size_t kLineRoom = 1024;  // characters of one line, the terminator included
-
-// A channel or a file that another start left running may still use this code after the host has
-// freed the library, so the code stays.
-[[maybe_unused]] const bool g_pinned = Mirqos::PinModule();
 
 bool IsMeantFor(IDBGLogOutput* pOutput, int nLevel) {
     return pOutput != nullptr && nLevel <= pOutput->GetLevel();

@@ -10,10 +10,6 @@ std::uint32_t CurrentProcessId();
 /// The operating system's number of the calling thread, as its tools show it.
 std::uint32_t CurrentThreadId();
 
-/// Keeps the module that holds this code loaded until the process ends. May be called while the
-/// module is being loaded. Returns whether it worked.
-bool PinModule();
-
 /// Ends the process at once and abnormally; nothing is cleaned up, no handler of the host can
 /// prevent it. `reason` goes to the standard error stream as one line.
 [[noreturn]] void EndProcess(const char* reason);

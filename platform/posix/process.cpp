@@ -15,10 +15,6 @@ std::uint32_t CurrentThreadId() {
     return static_cast<std::uint32_t>(gettid());
 }
 
-bool PinModule() {
-    return true;  // the shared object is linked with -z nodelete
-}
-
 void EndProcess(const char* reason) {
     std::fprintf(stderr, "%s\n", reason);
     std::fflush(stderr);

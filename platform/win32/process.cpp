@@ -14,13 +14,6 @@ std::uint32_t CurrentThreadId() {
     return GetCurrentThreadId();
 }
 
-bool PinModule() {
-    HMODULE module = nullptr;
-    return GetModuleHandleExW(
-               GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-               reinterpret_cast<LPCWSTR>(&PinModule), &module) != FALSE;
-}
-
 void EndProcess(const char* reason) {
     std::fprintf(stderr, "%s\n", reason);
     std::fflush(stderr);

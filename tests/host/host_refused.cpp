@@ -54,6 +54,36 @@ bool CreateBucket(MIRQOSInterface& store) {
     return 0 != store.CreateBucket(&context);
 }
 
+bool List(MIRQOSInterface& store) {
+    CloudStoreListObjectConext context;
+    context.m_pszBucket = kBucket;
+    return 0 != store.ListObjects(&context);
+}
+
+bool DeleteMany(MIRQOSInterface& store) {
+    CloudStoreDeleteObjectsContextV2 context;
+    context.m_pszBucket = kBucket;
+    context.m_pKeys = "one\0two\0";
+    return 0 != store.DeleteObjectsV2(&context);
+}
+
+bool ListBuckets(MIRQOSInterface& store) {
+    CloudStoreListBucketContext context;
+    return 0 != store.ListBucket(&context);
+}
+
+bool GetTags(MIRQOSInterface& store) {
+    GetObjectTaggingContext context;
+    context.m_pszBucket = kBucket;
+    context.m_pszKey = kKey;
+    return 0 != store.GetObjectTagging(&context);
+}
+
+bool Locate(MIRQOSInterface& store) {
+    char location[260];
+    return 0 != store.GetBucketLocation(kBucket, location, sizeof location);
+}
+
 bool HeadBucket(MIRQOSInterface& store) {
     CloudStoreHeadBucketConext context;
     context.m_pszBucket = kBucket;
@@ -69,8 +99,10 @@ int main() {
     std::mutex checksMutex;
     const MIRQOSEngineStarter engine(true, CloudStoreContext());
     const std::pair<const char*, Operation> operations[] = {
-        {"WriteObject", Write},         {"ReadObject", Read},       {"DeleteObject", Delete},
-        {"CreateBucket", CreateBucket}, {"HeadBucket", HeadBucket},
+        {"WriteObject", Write},          {"ReadObject", Read},        {"DeleteObject", Delete},
+        {"CreateBucket", CreateBucket},  {"HeadBucket", HeadBucket},  {"ListObjects", List},
+        {"DeleteObjectsV2", DeleteMany}, {"ListBucket", ListBuckets}, {"GetObjectTagging", GetTags},
+        {"GetBucketLocation", Locate},
     };
     // Side by side, because each backs off for half a minute between its attempts.
     std::vector<std::thread> hosts;

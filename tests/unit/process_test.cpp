@@ -25,11 +25,6 @@ TEST(Process, AllThreadsShareTheProcessNumber) {
     EXPECT_EQ(others, Mirqos::CurrentProcessId());
 }
 
-TEST(Process, TheModuleCanBePinnedMoreThanOnce) {
-    EXPECT_TRUE(Mirqos::PinModule());
-    EXPECT_TRUE(Mirqos::PinModule());
-}
-
 TEST(ProcessDeathTest, EndProcessSaysWhyAndEnds) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(Mirqos::EndProcess("the reason"), "the reason");
