@@ -4,7 +4,7 @@
 .NOTPARALLEL:
 
 help: ## this list
-	@sed -n 's/^\([a-z]*\):[^#]*## */  make \1|/p' $(MAKEFILE_LIST) | column -t -s '|'
+	@awk -F ':.*## ' '/^[a-z]+:.*## /{printf "  make %-8s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
 deps: ## install the Debian packages that building and testing need (needs root)
 	@scripts/install-deps
