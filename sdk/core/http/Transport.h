@@ -24,7 +24,9 @@ struct Request {
     bool https = true;
     std::string host;  ///< name or address, without the port
     std::uint16_t port = 443;
-    std::string connectHost;        ///< where to connect instead of host; empty: to host (tests)
+    /// Where to connect instead of host; empty: to host. For tests over plain HTTP: WinHTTP
+    /// compares a certificate with this name.
+    std::string connectHost;
     std::uint16_t connectPort = 0;  ///< goes with connectHost
     std::string target;  ///< path and query as they go on the wire, already encoded, kept exact
     HeaderList headers;  ///< sent as they stand; holds Host. Content-Length is the transport's
@@ -36,7 +38,8 @@ struct Limits {
     /// Longest wait for name look-up, connection and TLS handshake together.
     std::chrono::milliseconds connect{180000};
     /// Longest time without a byte moving in either direction once connected; it also bounds the
-    /// time from the last byte sent to the complete answer head.
+    /// time from the last byte sent to the complete answer head. WinHTTP shows no less than the
+    /// 256 KiB of one write moving.
     std::chrono::milliseconds stall{300000};
 };
 
@@ -75,8 +78,12 @@ struct Result {
 };
 
 struct TransportOptions {
+    /// Refuses servers whose certificate is untrusted, expired or for another host name. TLS is
+    /// 1.2 or newer in any case.
     bool verifyCertificates = true;
-    std::string trustFile;         ///< PEM file of trusted authorities; empty: the system's
+    /// PEM file of trusted authorities instead of the system's; empty: the system's. libcurl only:
+    /// WinHTTP always trusts what the system trusts.
+    std::string trustFile;
     unsigned maxConnections = 25;  ///< exchanges beyond this wait for a free connection
 };
 

@@ -375,7 +375,7 @@ Result EasyExchange::Judge(CURLcode code) {
         const std::string trouble = Describe(TroubleOf(code, verified), m_request.host);
         return {failure, trouble.empty() ? Words(code) : trouble + ": " + Words(code)};
     }
-    if (code == CURLE_SEND_ERROR && DeliverUnread()) {
+    if (code == CURLE_SEND_ERROR && !m_head.HasBegun() && DeliverUnread()) {
         return {};
     }
     if (code == CURLE_SEND_ERROR || code == CURLE_SEND_FAIL_REWIND) {
