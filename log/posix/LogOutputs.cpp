@@ -7,7 +7,8 @@
 namespace Mirqos {
 
 std::unique_ptr<IDBGLogOutput> CreateFileLogOutput() {
-    const char* path = std::getenv("MIRQOS_LOG_FILE");
+    // The library never changes the environment.
+    const char* path = std::getenv("MIRQOS_LOG_FILE");  // NOLINT(concurrency-mt-unsafe)
     if (path == nullptr || *path == 0) {
         return nullptr;
     }

@@ -84,7 +84,7 @@ std::string NarrowText(const wchar_t* text) {
     }
     std::string narrow;
     for (; *text != 0; ++text) {
-        const auto value = static_cast<std::uint32_t>(*text);
+        const std::uint32_t value = static_cast<char32_t>(*text);
         AppendCodePoint(narrow, IsCodePoint(value) ? value : kReplacement);
     }
     return narrow;

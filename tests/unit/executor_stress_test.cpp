@@ -35,8 +35,8 @@ private:
 
 TEST(ExecutorStress, EveryTaskOfManySubmittersRunsOnceWithinTheBounds) {
     Mirqos::Test::LogRecording log;
-    constexpr int kSubmitters = 4;
-    constexpr int kTasks = 500;
+    constexpr std::size_t kSubmitters = 4;
+    constexpr std::size_t kTasks = 500;
     for (const int threads : {1, 2, 3, 8}) {
         std::vector<std::atomic<int>> runs(kSubmitters * kTasks);
         Peak running;
@@ -44,10 +44,11 @@ TEST(ExecutorStress, EveryTaskOfManySubmittersRunsOnceWithinTheBounds) {
             OpenExecutor executor;
             ASSERT_EQ(executor.Start(threads), 0);
             std::vector<std::thread> submitters;
-            for (int submitter = 0; submitter < kSubmitters; ++submitter) {
+            submitters.reserve(kSubmitters);
+            for (std::size_t submitter = 0; submitter < kSubmitters; ++submitter) {
                 submitters.emplace_back([&, submitter] {
-                    for (int task = 0; task < kTasks; ++task) {
-                        const auto index = static_cast<std::size_t>(submitter * kTasks + task);
+                    for (std::size_t task = 0; task < kTasks; ++task) {
+                        const std::size_t index = submitter * kTasks + task;
                         executor.SubmitToThread([&, index] {
                             running.Enter();
                             ++runs[index];
@@ -75,6 +76,7 @@ TEST(ExecutorStress, OneThreadKeepsTheOrderOfEachSubmitter) {
         OpenExecutor executor;
         ASSERT_EQ(executor.Start(1), 0);
         std::vector<std::thread> submitters;
+        submitters.reserve(kSubmitters);
         for (std::size_t submitter = 0; submitter < kSubmitters; ++submitter) {
             submitters.emplace_back([&, submitter] {
                 for (int task = 0; task < kTasks; ++task) {

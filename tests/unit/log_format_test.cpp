@@ -87,8 +87,8 @@ TEST(Format, ANullTextPrintsNullAlsoWhereItIsCut) {
 TEST(Format, PercentSignsAndPlainText) {
     EXPECT_EQ(Narrow("100%% %s", "sure"), "100% sure");
     EXPECT_EQ(Wide(L"100%% %s", L"sure"), L"100% sure");
-    EXPECT_EQ(Narrow(""), "");
-    EXPECT_EQ(Wide(L""), L"");
+    EXPECT_EQ(Narrow("%s", ""), "");
+    EXPECT_EQ(Wide(L"%s", L""), L"");
 }
 
 template <typename Char>

@@ -22,6 +22,7 @@ constexpr std::size_t kLongest = 1023;
 
 // A text that ends the test if anybody reads it.
 const char* Unreadable() {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): an address that is none is the point
     return reinterpret_cast<const char*>(std::uintptr_t{16});
 }
 
@@ -211,6 +212,7 @@ TEST(ModuleLog, ThreadsMayLogAtOnce) {
     constexpr int kThreads = 4;
     constexpr int kLines = 500;
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([thread] {
             for (int line = 0; line < kLines; ++line) {

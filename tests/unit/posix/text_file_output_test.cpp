@@ -175,6 +175,7 @@ TEST_F(TextFileOutputTest, SeveralThreadsOfOneOutputAppendWholeLines) {
     TextFileOutput output(File());
     constexpr int kLines = 200;
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (const char writer : {'a', 'b', 'c'}) {
         threads.emplace_back([&output, writer] {
             const std::string text(500, writer);
@@ -202,26 +203,31 @@ class LogFileVariableTest : public TextFileOutputTest {
 protected:
     static constexpr const char* kName = "MIRQOS_LOG_FILE";
 
-    void SetUp() override {
-        TextFileOutputTest::SetUp();
-        if (const char* value = std::getenv(kName)) {
-            m_former = value;
-        }
+    // One thread alone reads and writes the environment here.
+    // NOLINTBEGIN(concurrency-mt-unsafe)
+    static std::optional<std::string> Variable() {
+        const char* value = std::getenv(kName);
+        return value == nullptr ? std::nullopt : std::optional<std::string>(value);
     }
-    void TearDown() override {
-        if (m_former) {
-            setenv(kName, m_former->c_str(), 1);
+    static void SetVariable(const std::optional<std::string>& value) {
+        if (value) {
+            setenv(kName, value->c_str(), 1);
         } else {
             unsetenv(kName);
         }
+    }
+    // NOLINTEND(concurrency-mt-unsafe)
+
+    void TearDown() override {
+        SetVariable(m_former);
         TextFileOutputTest::TearDown();
     }
 
-    std::optional<std::string> m_former;
+    const std::optional<std::string> m_former = Variable();
 };
 
 TEST_F(LogFileVariableTest, ALoggerWritesToTheFileItNames) {
-    setenv(kName, File().c_str(), 1);
+    SetVariable(File().string());
     CMIRQOSLog log(LogLevel::Warn);
     EXPECT_EQ(log.m_pSMOutput, nullptr);
     ModuleLog(&log, 1, "narrow");
@@ -234,16 +240,16 @@ TEST_F(LogFileVariableTest, ALoggerWritesToTheFileItNames) {
 }
 
 TEST_F(LogFileVariableTest, WithoutItALoggerHasNoFile) {
-    unsetenv(kName);
+    SetVariable({});
     EXPECT_EQ(CMIRQOSLog(LogLevel::Warn).m_pFileOutput, nullptr);
-    setenv(kName, "", 1);
+    SetVariable("");
     EXPECT_EQ(CMIRQOSLog(LogLevel::Warn).m_pFileOutput, nullptr);
 }
 
 TEST_F(LogFileVariableTest, EachLoggerReadsItAnew) {
-    setenv(kName, (m_folder / "other.log").c_str(), 1);
+    SetVariable((m_folder / "other.log").string());
     CMIRQOSLog first(LogLevel::Warn);
-    setenv(kName, File().c_str(), 1);
+    SetVariable(File().string());
     CMIRQOSLog second(LogLevel::Warn);
     ModuleLog(&first, 1, "first");
     ModuleLog(&second, 1, "second");
