@@ -111,9 +111,11 @@ int32_t AwsS3Store::ListBucket(CloudStoreListBucketContext* pContext) {
     auto pNames = std::make_unique<char[]>(nSize);
     Mirqos::PackedTextWriter names(pNames.get(), nSize);
     for (const auto& bucket : buckets) {
-        [[maybe_unused]] const int nCode = names.Append(bucket.GetName());
+        int nCode = names.Append(bucket.GetName());
         assert(nCode == Mirqos::kCopyDone);
-        names.EndEntry();
+        nCode = names.EndEntry();
+        assert(nCode == Mirqos::kCopyDone);
+        static_cast<void>(nCode);
     }
     pContext->m_pBucketNames = pNames.release();
     return 0;

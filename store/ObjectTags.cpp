@@ -53,12 +53,14 @@ int32_t PackTags(const Tags& tags, Mirqos::PackedTextWriter& list) {
         if (nCode == Mirqos::kCopyDone) {
             nCode = list.Append(tag.GetValue());
         }
+        if (nCode == Mirqos::kCopyDone) {
+            nCode = list.EndEntry();
+        }
         if (nCode != Mirqos::kCopyDone) {
             ModuleLog(&g_ModuleLog, 1, "GetObjectTagging memcpy_s failed nErr[%d] value[%s].",
                       nCode, tag.GetValue().c_str());
             return nCode;
         }
-        list.EndEntry();
     }
     return 0;
 }

@@ -21,23 +21,31 @@ PackedTextWriter::PackedTextWriter(char* pRoom, std::size_t nSize)
 }
 
 int PackedTextWriter::Append(std::string_view text) {
-    // Two bytes stay free: the entry's NUL and the list's.
-    constexpr std::size_t kTerminators = 2;
-    const std::size_t nTaken = m_nPosition + kTerminators;
-    const std::size_t nRoom = m_nSize > nTaken ? m_nSize - nTaken : 0;
-    const int nCode = CopyBytesOrClear(m_pRoom + m_nPosition, nRoom, text.data(), text.size());
+    const int nCode =
+        CopyBytesOrClear(m_pRoom + m_nPosition, m_nSize - m_nPosition, text.data(), text.size());
     if (nCode != kCopyDone) {
-        std::memset(m_pRoom + m_nEntry, 0, m_nSize - m_nEntry);
-        m_nPosition = m_nEntry;
+        EraseEntry();
         return nCode;
     }
     m_nPosition += text.size();
     return kCopyDone;
 }
 
-void PackedTextWriter::EndEntry() {
+int PackedTextWriter::EndEntry() {
+    // The entry's NUL and the list's, which the zeroed room already holds.
+    constexpr std::size_t kTerminators = 2;
+    if (m_nSize - m_nPosition < kTerminators) {
+        EraseEntry();
+        return kCopyDoesNotFit;
+    }
     ++m_nPosition;
     m_nEntry = m_nPosition;
+    return kCopyDone;
+}
+
+void PackedTextWriter::EraseEntry() {
+    std::memset(m_pRoom + m_nEntry, 0, m_nSize - m_nEntry);
+    m_nPosition = m_nEntry;
 }
 
 }  // namespace Mirqos

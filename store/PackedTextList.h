@@ -21,7 +21,7 @@ private:
 };
 
 /// Writes a packed list into a room of fixed size, which it zeroes first, so that the list is ended
-/// at every moment. An entry that does not fit together with the NULs behind it is refused whole.
+/// between entries. An entry that does not fit together with the NULs behind it is refused whole.
 class PackedTextWriter {
 public:
     PackedTextWriter(char* pRoom, std::size_t nSize);
@@ -31,10 +31,13 @@ public:
     /// before it stay.
     [[nodiscard]] int Append(std::string_view text);
 
-    /// Ends the entry in progress.
-    void EndEntry();
+    /// Ends the entry in progress. Returns 0, or 34 when its NUL and the list's do not fit behind
+    /// it; the entry is then erased as well.
+    [[nodiscard]] int EndEntry();
 
 private:
+    void EraseEntry();
+
     char* m_pRoom;
     std::size_t m_nSize;
     std::size_t m_nEntry = 0;     // where the entry in progress begins

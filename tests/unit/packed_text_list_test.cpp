@@ -44,10 +44,10 @@ TEST(PackedTextList, ARoomOfExactlyThePackedSizeHoldsTheList) {
     std::string room(PackedSize(3, 2), '#');
     PackedTextWriter writer(room.data(), room.size());
     EXPECT_EQ(writer.Append("a"), 0);
-    writer.EndEntry();
+    EXPECT_EQ(writer.EndEntry(), 0);
     EXPECT_EQ(writer.Append("b"), 0);
     EXPECT_EQ(writer.Append("c"), 0);
-    writer.EndEntry();
+    EXPECT_EQ(writer.EndEntry(), 0);
     EXPECT_EQ(room, "a\0bc\0\0"s);
 }
 
@@ -55,13 +55,36 @@ TEST(PackedTextList, AnEntryThatDoesNotFitIsErasedAndTheOthersStay) {
     std::string room(6, '#');
     PackedTextWriter writer(room.data(), room.size());
     EXPECT_EQ(writer.Append("a"), 0);
-    writer.EndEntry();
+    EXPECT_EQ(writer.EndEntry(), 0);
     EXPECT_EQ(writer.Append("bc"), 0);
-    EXPECT_EQ(writer.Append("d"), 34);
+    EXPECT_EQ(writer.Append("def"), 34);
     EXPECT_EQ(room, "a\0\0\0\0\0"s);
     EXPECT_EQ(writer.Append("xy"), 0) << "a shorter one still fits";
-    writer.EndEntry();
+    EXPECT_EQ(writer.EndEntry(), 0);
     EXPECT_EQ(room, "a\0xy\0\0"s);
+}
+
+TEST(PackedTextList, AnEntryWithoutRoomForBothNulsIsErasedAtItsEnd) {
+    for (const char* text : {"bcd", "bcde"}) {
+        std::string room(6, '#');
+        PackedTextWriter writer(room.data(), room.size());
+        EXPECT_EQ(writer.Append("a"), 0);
+        EXPECT_EQ(writer.EndEntry(), 0);
+        EXPECT_EQ(writer.Append(text), 0) << "the text alone fits";
+        EXPECT_EQ(writer.EndEntry(), 34) << text;
+        EXPECT_EQ(room, "a\0\0\0\0\0"s);
+        EXPECT_EQ(writer.Append("bc"), 0);
+        EXPECT_EQ(writer.EndEntry(), 0);
+        EXPECT_EQ(room, "a\0bc\0\0"s);
+    }
+}
+
+TEST(PackedTextList, ARoomOfNoBytesTakesNothing) {
+    char beside = '#';
+    PackedTextWriter writer(&beside, 0);
+    EXPECT_EQ(writer.Append("a"), 34);
+    EXPECT_EQ(writer.EndEntry(), 34);
+    EXPECT_EQ(beside, '#');
 }
 
 TEST(PackedTextList, AMissingTextIsReportedAs22) {
@@ -74,7 +97,8 @@ TEST(PackedTextList, AMissingTextIsReportedAs22) {
 TEST(PackedTextList, ARoomTooSmallForItsTerminatorsTakesNothing) {
     std::string room(1, '#');
     PackedTextWriter writer(room.data(), room.size());
-    EXPECT_EQ(writer.Append("a"), 34);
+    EXPECT_EQ(writer.Append("a"), 0);
+    EXPECT_EQ(writer.EndEntry(), 34);
     EXPECT_EQ(room, "\0"s);
 }
 
@@ -86,8 +110,7 @@ TEST(PackedTextList, WhateverWasWrittenIsReadBack) {
         PackedTextWriter writer(room.data(), room.size());
         for (auto i = random() % 12; i > 0; --i) {
             const std::string text(1 + random() % 40, static_cast<char>(1 + random() % 255));
-            if (writer.Append(text) == 0) {
-                writer.EndEntry();
+            if (writer.Append(text) == 0 && writer.EndEntry() == 0) {
                 kept.push_back(text);
             }
         }

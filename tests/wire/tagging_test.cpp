@@ -125,41 +125,75 @@ TEST_F(Tagging, ARefusedGetLeavesTheListAllZero) {
     EXPECT_THAT(Lines(), ElementsAre("Failed to GetObjectTagging. ret[15] Error:[No]"));
 }
 
-// 2,600 bytes hold the entries, a NUL behind each and one behind the list.
+// The room holds 2,600 bytes: the entries, a NUL behind each and one behind the list. Each test
+// puts "a:1" and its NUL first, which leaves 2,596.
+constexpr std::size_t kLeft = 2600 - 4;
+
 TEST_F(Tagging, ATagSetThatJustFitsIsHandedOutWhole) {
-    const std::string value(2600 - 2 - 2 - 5,
-                            'v');  // "k:" and both NULs, behind "a:1" and NUL, ...
-    m_server.Next(TagSet({{"a", "1"}, {"k", value + "w"}}));
+    const std::string value(kLeft - 2 - 2, 'v');  // but for "k:" and both NULs
+    m_server.Next(TagSet({{"a", "1"}, {"k", value}}));
     const auto store = MakeStore();
     EXPECT_EQ(Get(*store), 0);
-    EXPECT_EQ(Packed(), "a:1\0"s + "k:" + value + "w" + "\0"s);
+    EXPECT_EQ(Packed(), "a:1\0k:"s + value + "\0"s);
     EXPECT_EQ(Packed().size(), 2599u);
 }
 
-TEST_F(Tagging, AValueOneByteTooLongGives34AndKeepsTheTagsBefore) {
-    const std::string value(2593, 'v');
-    m_server.Next(TagSet({{"a", "1"}, {"k", value}, {"b", "2"}}));
+TEST_F(Tagging, AValueThatLeavesNoRoomForBothNulsGives34AndKeepsTheTagsBefore) {
     const auto store = MakeStore();
-    EXPECT_EQ(Get(*store), 34);
-    EXPECT_EQ(Packed(), "a:1\0"s) << "the failing entry is erased, later ones are not tried";
-    EXPECT_EQ(m_log.CountContaining("GetObjectTagging memcpy_s failed nErr[34] value[vvv"), 1u);
+    for (const std::size_t excess : {1, 2, 3, 1000}) {
+        const std::string value(kLeft - 2 - 2 + excess, 'v');
+        m_server.Next(TagSet({{"a", "1"}, {"k", value}, {"b", "2"}}));
+        m_log.Clear();
+        EXPECT_EQ(Get(*store), 34) << excess;
+        EXPECT_EQ(Packed(), "a:1\0"s) << "the failing entry is erased, later ones are not tried";
+        EXPECT_EQ(m_log.CountContaining("GetObjectTagging memcpy_s failed nErr[34] value[vvv"), 1u);
+        EXPECT_EQ(m_log.CountContaining("memcpy_s"), 1u);
+    }
 }
 
 TEST_F(Tagging, AKeyTooLongGives34WithItsOwnLine) {
-    const std::string key(2595, 'k');
-    m_server.Next(TagSet({{"a", "1"}, {key, ""}}));
+    const std::string key(kLeft + 1, 'k');
+    m_server.Next(TagSet({{"a", "1"}, {key, "v"}}));
     const auto store = MakeStore();
     EXPECT_EQ(Get(*store), 34);
     EXPECT_EQ(Packed(), "a:1\0"s);
     EXPECT_EQ(m_log.CountContaining("GetObjectTagging memcpy_s failed nErr[34] key[kkk"), 1u);
+    EXPECT_EQ(m_log.CountContaining("memcpy_s"), 1u);
 }
 
-TEST_F(Tagging, AKeyThatLeavesNoRoomForItsColonGives34) {
-    const std::string key(2598, 'k');
-    m_server.Next(TagSet({{key, "v"}}));
+TEST_F(Tagging, AKeyThatLeavesNoRoomForItsColonOrItsNulsGives34WithTheValuesLine) {
     const auto store = MakeStore();
-    EXPECT_EQ(Get(*store), 34);
-    EXPECT_EQ(Packed(), "");
+    for (const std::size_t room : {0, 1, 2}) {
+        m_server.Next(TagSet({{"a", "1"}, {std::string(kLeft - room, 'k'), ""}}));
+        m_log.Clear();
+        EXPECT_EQ(Get(*store), 34) << room;
+        EXPECT_EQ(Packed(), "a:1\0"s);
+        EXPECT_EQ(Lines().back(), "GetObjectTagging memcpy_s failed nErr[34] value[].");
+    }
+}
+
+TEST_F(Tagging, ManySmallTagsFillTheRoomToItsLastByte) {
+    TagList tags;
+    std::string packed;
+    while (packed.size() + 10 <= 2599) {
+        const std::string number = std::to_string(1000 + tags.size());
+        tags.emplace_back("k" + number, "val");
+        packed += "k" + number + ":val" + "\0"s;
+    }
+    tags.emplace_back("l", std::string(2599 - packed.size() - 3, 'v'));
+    packed += "l:" + tags.back().second + "\0"s;
+    m_server.Next(TagSet(tags));
+    const auto store = MakeStore();
+    EXPECT_EQ(Get(*store), 0);
+    EXPECT_EQ(Packed(), packed);
+    EXPECT_EQ(packed.size(), 2599u);
+}
+
+TEST_F(Tagging, AValueMayHoldColonsAndEmptyTextsOnTheWayBack) {
+    m_server.Next(TagSet({{"b", "x:y"}, {"empty", ""}}));
+    const auto store = MakeStore();
+    EXPECT_EQ(Get(*store), 0);
+    EXPECT_EQ(Packed(), "b:x:y\0empty:\0"s);
 }
 
 }  // namespace
