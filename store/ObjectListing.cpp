@@ -1,11 +1,11 @@
 #include <aws/s3/model/ListObjectsV2Request.h>
+#include <aws/s3/model/ListObjectsV2Result.h>
 
 #include <algorithm>
 #include <cassert>
-#include <cctype>
-#include <iterator>
+#include <list>
 #include <new>
-#include <string>
+#include <vector>
 
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
@@ -14,6 +14,7 @@
 #include "store/ProviderMarker.h"
 
 using Aws::S3::Model::ListObjectsV2Request;
+using Aws::S3::Model::ListObjectsV2Result;
 using Objects = Aws::Vector<Aws::S3::Model::Object>;
 
 namespace {
@@ -22,32 +23,44 @@ namespace {
 constexpr size_t kMostObjects = 1000;
 constexpr int32_t kOutOfMemory = 14;
 
+// What is handed out of one page: its first entries. They stay where the answer put them, so that
+// each key is copied once, into its record.
+struct Share {
+    const Objects* pEntries;
+    size_t nTaken;
+};
+
+void FillRecord(const Aws::S3::Model::Object& object, bool bDecodeKeys, CloudStoreObjInfo& record) {
+    record.m_nSize = static_cast<uint64_t>(object.GetSize());
+    if (bDecodeKeys) {
+        Aws::String key = object.GetKey();
+        DecodeObjectKey(key);
+        Mirqos::CopyTextOrEndProcess(record.m_szKey, sizeof record.m_szKey, key.c_str());
+    } else {
+        Mirqos::CopyTextOrEndProcess(record.m_szKey, sizeof record.m_szKey,
+                                     object.GetKey().c_str());
+    }
+}
+
 // Copies the listed objects into one block that ReleaseObjectData frees. No objects, no block.
-int32_t HandOut(const Objects& objects, bool bDecodeKeys, const char* pszOperation,
-                CloudStoreListObjectConext* pContext) {
-    if (objects.empty()) {
+int32_t HandOut(const std::vector<Share>& shares, size_t nCount, bool bDecodeKeys,
+                const char* pszOperation, CloudStoreListObjectConext* pContext) {
+    if (nCount == 0) {
         return 0;
     }
-    auto* pRecords = new (std::nothrow) CloudStoreObjInfo[objects.size()];
+    auto* pRecords = new (std::nothrow) CloudStoreObjInfo[nCount];
     if (pRecords == nullptr) {
         ModuleLog(&g_ModuleLog, 1, "[%s]Failed to allocated memory. size: %llu.", pszOperation,
-                  static_cast<unsigned long long>(objects.size() * sizeof(CloudStoreObjInfo)));
+                  static_cast<unsigned long long>(nCount * sizeof(CloudStoreObjInfo)));
         return kOutOfMemory;
     }
     CloudStoreObjInfo* pRecord = pRecords;
-    for (const auto& object : objects) {
-        pRecord->m_nSize = static_cast<uint64_t>(object.GetSize());
-        if (bDecodeKeys) {
-            Aws::String key = object.GetKey();
-            DecodeObjectKey(key);
-            Mirqos::CopyTextOrEndProcess(pRecord->m_szKey, sizeof pRecord->m_szKey, key.c_str());
-        } else {
-            Mirqos::CopyTextOrEndProcess(pRecord->m_szKey, sizeof pRecord->m_szKey,
-                                         object.GetKey().c_str());
+    for (const Share& share : shares) {
+        for (size_t i = 0; i < share.nTaken; ++i) {
+            FillRecord((*share.pEntries)[i], bDecodeKeys, *pRecord++);
         }
-        ++pRecord;
     }
-    pContext->m_nObjectCount = objects.size();
+    pContext->m_nObjectCount = nCount;
     pContext->m_pObjects = pRecords;
     return 0;
 }
@@ -110,15 +123,18 @@ int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
     LogEnter(kOperation, request);
 
     int32_t nStatus = 0;
-    Objects objects;
+    std::list<ListObjectsV2Result> pages;
+    std::vector<Share> shares;
+    size_t nCount = 0;
     ClearResult(pContext);
     ++m_nRequestCount;
     auto outcome = m_pClient->ListObjectsV2(request);
     while (outcome.IsSuccess()) {
-        auto page = outcome.GetResultWithOwnership();
+        const auto& page = pages.emplace_back(outcome.GetResultWithOwnership());
         const Objects& entries = page.GetContents();
-        const size_t nTaken = std::min(entries.size(), kMostObjects - objects.size());
-        std::copy_n(entries.begin(), nTaken, std::back_inserter(objects));
+        const size_t nTaken = std::min(entries.size(), kMostObjects - nCount);
+        shares.push_back({&entries, nTaken});
+        nCount += nTaken;
         if (nTaken < entries.size()) {
             pContext->m_bTruncated = true;
             break;
@@ -131,7 +147,7 @@ int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
                   "NextContinuationToken:%s.",
                   kOperation, static_cast<unsigned long long>(entries.size()),
                   page.GetNextContinuationToken().c_str());
-        if (objects.size() >= kMostObjects) {
+        if (nCount >= kMostObjects) {
             pContext->m_bTruncated = true;
             break;
         }
@@ -144,7 +160,7 @@ int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
     }
     // The error type decides, not the outcome: with type 0 the caller gets what was gathered.
     if (nStatus == 0) {
-        nStatus = HandOut(objects, SubstitutesKeys(m_nProviderType), kOperation, pContext);
+        nStatus = HandOut(shares, nCount, SubstitutesKeys(m_nProviderType), kOperation, pContext);
     }
     LogComplete(kOperation, nStatus, request, pContext->m_nObjectCount, pContext->m_bTruncated);
     return nStatus;
@@ -178,8 +194,9 @@ int32_t AwsS3Store::ListObjectsSegmented(CloudStoreListObjectConext* pContext) {
     } else {
         const auto& page = outcome.GetResult();
         bPageTruncated = page.GetIsTruncated();
-        nStatus =
-            HandOut(page.GetContents(), SubstitutesKeys(m_nProviderType), kOperation, pContext);
+        const Objects& entries = page.GetContents();
+        nStatus = HandOut({{&entries, entries.size()}}, entries.size(),
+                          SubstitutesKeys(m_nProviderType), kOperation, pContext);
         if (nStatus == 0) {
             pContext->m_bTruncated = bPageTruncated;
             Mirqos::CopyTextOrEndProcess(

@@ -1,5 +1,6 @@
 #include <new>
 
+#include "log/ModuleLog.h"
 #include "tests/wire/Pages.h"
 #include "tests/wire/WireTest.h"
 
@@ -50,6 +51,16 @@ struct Listing : CloudStoreListObjectConext {
     }
 
     AwsS3Store& store;
+};
+
+/// Lets the traces through the module log for its lifetime.
+struct LevelRaised {
+    LevelRaised() { g_ModuleLog.m_nLevel = 3; }
+    ~LevelRaised() { g_ModuleLog.m_nLevel = former; }
+    LevelRaised(const LevelRaised&) = delete;
+    LevelRaised& operator=(const LevelRaised&) = delete;
+
+    const int former = g_ModuleLog.m_nLevel;
 };
 
 class ListingWire : public WireTest {
@@ -170,6 +181,113 @@ TEST_F(ListingWire, AFailingSecondPageDropsTheFirst) {
                 "]",
             Complete(kWhole, status, kOwnBucket, 0, false)));
     EXPECT_EQ(store->GetRequestCount(), 2u);
+}
+
+TEST_F(ListingWire, ARefusedFirstPageGivesItsStatusAndNothingElse) {
+    m_server.Next(Answer::S3Error(404, "NoSuchBucket", "Gone"));
+    const auto store = MakeStore();
+    Listing listing(*store);
+    CloudStoreObjInfo leftOver;
+    listing.m_pObjects = &leftOver;
+    listing.m_nObjectCount = 7;
+    listing.m_bTruncated = true;
+    const int status = StatusOf(Aws::S3::S3Errors::NO_SUCH_BUCKET);
+    EXPECT_EQ(store->ListObjects(&listing), status);
+    EXPECT_EQ(listing.m_pObjects, nullptr);
+    EXPECT_EQ(listing.m_nObjectCount, 0u);
+    EXPECT_FALSE(listing.m_bTruncated);
+    EXPECT_THAT(
+        Lines(),
+        ElementsAre(
+            "[AwsS3Store::ListObjects]ListObjectsV2 in bucket:[the-configured-bucket] failed.",
+            "[AwsS3Store::ListObjects]The error message:[Gone], EC:[" + std::to_string(status) +
+                "]",
+            Complete(kWhole, status, kOwnBucket, 0, false)));
+}
+
+TEST_F(ListingWire, PagesThatAddUpToAThousandAreTruncatedOnlyIfTheLastSaysSo) {
+    for (const bool more : {false, true}) {
+        m_server.Next(ListingPage(NumberedKeys(400), "t1"));
+        m_server.Next(ListingPage({}, "t2"));
+        m_server.Next(ListingPage(NumberedKeys(600, 400), more ? "t3" : ""));
+        const auto store = MakeStore();
+        Listing listing(*store);
+        m_log.Clear();
+        EXPECT_EQ(store->ListObjects(&listing), 0);
+        EXPECT_EQ(listing.Keys(), NumberedKeys(1000));
+        EXPECT_EQ(listing.m_bTruncated, more);
+        EXPECT_EQ(store->GetRequestCount(), 3u);
+        EXPECT_EQ(m_log.CountContaining(TruncatedNote(0, "t2")), 1u) << "an empty page is passed";
+        EXPECT_EQ(m_log.CountContaining(TruncatedNote(600, "t3")), more ? 1u : 0u);
+    }
+}
+
+TEST_F(ListingWire, APageBeyondAThousandIsCutWhetherMoreFollowsOrNot) {
+    m_server.Next(ListingPage(NumberedKeys(1001)));
+    const auto store = MakeStore();
+    Listing listing(*store);
+    EXPECT_EQ(store->ListObjects(&listing), 0);
+    EXPECT_EQ(listing.Keys(), NumberedKeys(1000));
+    EXPECT_TRUE(listing.m_bTruncated);
+    EXPECT_THAT(Lines(), ElementsAre(Complete(kWhole, 0, kOwnBucket, 1000, true)));
+}
+
+TEST_F(ListingWire, ASegmentIsHandedOutWholeWhateverItsSize) {
+    m_server.Next(ListingPage(NumberedKeys(1500)));
+    const auto store = MakeStore();
+    Listing listing(*store);
+    listing.m_pszBucket = "x";
+    EXPECT_EQ(store->ListObjectsSegmented(&listing), 0);
+    EXPECT_EQ(listing.Keys(), NumberedKeys(1500));
+    EXPECT_FALSE(listing.m_bTruncated);
+}
+
+TEST_F(ListingWire, TracesAreAtLevelThreeNotesAtTwoAndResultsAtOne) {
+    const LevelRaised raised;
+    m_log.File().SetLevel(3);
+    m_server.Next(ListingPage(NumberedKeys(1), "t1"));
+    m_server.Next(ListingPage({}));
+    m_server.Next(ListingPage({}));
+    Setup setup;
+    setup.provider = 2;
+    const auto store = MakeStore(setup);
+    m_log.Clear();
+    Listing listing(*store);
+    listing.m_pszBucket = "b";
+    EXPECT_EQ(store->ListObjects(&listing), 0);
+    EXPECT_EQ(store->ReleaseObjectData(&listing), 0);
+    EXPECT_EQ(store->ListObjectsSegmented(&listing), 0);
+    std::vector<std::string> lines;
+    for (const RecordedLine& line : m_log.File().Lines()) {
+        if (line.text.find("AwsS3Store::") != std::string::npos) {
+            lines.push_back(std::to_string(line.level) + " " + line.text);
+        }
+    }
+    EXPECT_THAT(
+        lines,
+        ElementsAre(
+            "1 AwsS3Store::ListObjects EndPoint[storage.test:9000] ",
+            "3 AwsS3Store::ListObjects enter. bucket:[b] prefix:[].", "2 " + TruncatedNote(1, "t1"),
+            "1 " + Complete(kWhole, 0, "b", 1, false),
+            "3 AwsS3Store::ReleaseObjectData enter. bucket:[b] prefix:[(null)] count:[1].",
+            "3 AwsS3Store::ReleaseObjectData leave.",
+            "1 AwsS3Store::ListObjectsSegmented EndPoint[storage.test:9000] ",
+            "3 AwsS3Store::ListObjectsSegmented enter. bucket:[the-configured-bucket] prefix:[].",
+            "1 " + Complete(kSegment, 0, kOwnBucket, 0, false)));
+}
+
+TEST_F(ListingWire, AnErrorOfTypeZeroOnTheFirstPageHandsOutNothing) {
+    const auto store = MakeStore();
+    for (const bool segmented : {false, true}) {
+        m_server.Next(Answer::S3Error(400, "IncompleteSignature", "Half"));
+        Listing listing(*store);
+        listing.m_pszBucket = "b";
+        std::copy_n("before", 7, listing.m_szContinuationToken);
+        EXPECT_EQ(segmented ? store->ListObjectsSegmented(&listing) : store->ListObjects(&listing),
+                  0);
+        EXPECT_EQ(listing.m_pObjects, nullptr);
+        EXPECT_STREQ(listing.m_szContinuationToken, "before");
+    }
 }
 
 TEST_F(ListingWire, AnErrorOfTypeZeroHandsOutWhatWasGathered) {
