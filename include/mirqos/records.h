@@ -226,8 +226,8 @@ struct CloudStoreListPartContext {
     MIRQOS_API CloudStoreListPartContext& operator=(CloudStoreListPartContext&& rhs) noexcept;
     MIRQOS_API ~CloudStoreListPartContext();
 
-    const char* m_pszBucket = nullptr;
-    const char* m_pszPrefix = nullptr;  ///< only uploads of keys that begin with it; null: all
+    const char* m_pszBucket = nullptr;  ///< null: the configured one
+    const char* m_pszPrefix = nullptr;  ///< only keys that begin with it; to be set, empty: all
     char m_szKeyMarker[260] = {};       ///< the listing starts after this key
     /// Out: the uploads found are appended. Host and library share the list's nodes, so both have
     /// to be built with the same standard library.

@@ -25,9 +25,6 @@ protected:
         return Answer::Status(200).Body(writer.Take());
     }
     static Answer Location(const std::string& name) {
-        Xml::Writer writer;
-        writer.Open("LocationConstraint");
-        // a leaf's own text is what the service sends
         return Answer::Status(200).Body(
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?><LocationConstraint>" + name +
             "</LocationConstraint>");
@@ -165,12 +162,31 @@ TEST_F(BucketAdmin, ALocationThatDoesNotFitEndsTheProcess) {
     EXPECT_DEATH(store->GetBucketLocation(kBucket, room, sizeof room), "a text does not fit");
 }
 
+TEST_F(BucketAdmin, AnExpectedRegionThatDoesNotFitEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    m_server.Next(Answer::S3Error(400, "AuthorizationHeaderMalformed", kWrongRegion));
+    const auto store = MakeStore();
+    char room[9];
+    EXPECT_DEATH(store->GetBucketLocation(kBucket, room, sizeof room), "a text does not fit");
+}
+
+TEST_F(BucketAdmin, TextsThatJustFitAreHandedOut) {
+    m_server.Next(Location("eu-west-1"));
+    m_server.Next(Answer::S3Error(400, "AuthorizationHeaderMalformed", kWrongRegion));
+    const auto store = MakeStore();
+    char room[10];
+    EXPECT_EQ(store->GetBucketLocation(kBucket, room, sizeof room), 0);
+    EXPECT_STREQ(room, "eu-west-1");
+    EXPECT_EQ(store->GetBucketLocation(kBucket, room, sizeof room), 0);
+    EXPECT_STREQ(room, "eu-west-3");
+}
+
 class UnfinishedUploads : public WireTest {
 protected:
     static constexpr char kName[] = "AwsS3Store::ListMultipartUploads";
 
     std::int32_t List(AwsS3Store& store) {
-        m_list.m_pszPrefix = "p";
+        m_list.m_pszPrefix = m_prefix;
         return store.ListMultipartUploads(&m_list);
     }
     std::vector<std::string> Found() const {
@@ -189,6 +205,7 @@ protected:
     }
 
     CloudStoreListPartContext m_list;
+    const char* m_prefix = "p";
 };
 
 TEST_F(UnfinishedUploads, TwoPagesAreAppendedToOneList) {
@@ -206,6 +223,32 @@ TEST_F(UnfinishedUploads, TwoPagesAreAppendedToOneList) {
     EXPECT_THAT(Lines(),
                 ElementsAre(Enter("other"), Leave("other", 2), Enter("other"), Leave("other", 3)));
     EXPECT_EQ(store->GetRequestCount(), 2u);
+}
+
+TEST_F(UnfinishedUploads, AnEmptyPrefixIsSentAsWell) {
+    m_server.Next(UploadsPage({}));
+    const auto store = MakeStore();
+    m_prefix = "";
+    EXPECT_EQ(List(*store), 0);
+    EXPECT_EQ(OnlyRequest().target, "/the-configured-bucket?uploads&prefix");
+}
+
+TEST_F(UnfinishedUploads, AFullMarkerIsClearedToItsLastByte) {
+    m_server.Next(UploadsPage({}, true, std::string(259, 'm')));
+    m_server.Next(UploadsPage({}, true, "n"));
+    const auto store = MakeStore();
+    EXPECT_EQ(List(*store), 0);
+    EXPECT_EQ(m_list.m_szKeyMarker, std::string(259, 'm'));
+    EXPECT_EQ(List(*store), 0);
+    EXPECT_EQ(std::string(m_list.m_szKeyMarker, 260), "n" + std::string(259, '\0'));
+}
+
+TEST_F(UnfinishedUploads, AnAnswerThatIsNotTruncatedHasNoMarker) {
+    m_server.Next(UploadsPage({{"a", "1"}}, false, "a"));
+    const auto store = MakeStore();
+    std::memcpy(m_list.m_szKeyMarker, "here", 5);
+    EXPECT_EQ(List(*store), 0);
+    EXPECT_STREQ(m_list.m_szKeyMarker, "");
 }
 
 TEST_F(UnfinishedUploads, WithoutABucketTheConfiguredOneIsListed) {

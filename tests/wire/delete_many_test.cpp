@@ -171,6 +171,39 @@ TEST_F(DeleteMany, GoogleGetsOneHeadAndOneDeleteForEachKeyAndMissingOnesAreSkipp
                             "Succeed to delete object c in bucket the-bucket."));
 }
 
+TEST_F(DeleteMany, GoogleSkipsAKeyWhoseCheckIsRefused) {
+    m_server.On("HEAD", "").Always(Answer::Status(403));
+    const auto store = StoreOfProvider(6);
+    EXPECT_EQ(DeleteAll(*store, {"a"}), 0);
+    EXPECT_THAT(Requests(), ElementsAre("HEAD /the-bucket/a"));
+    EXPECT_EQ(Lines().back(), "AwsS3Store::DeleteObjectsV2 object is not available a. result = 15");
+    EXPECT_EQ(store->GetRequestCount(), 1u) << "the check is counted, as every one is";
+}
+
+TEST_F(DeleteMany, ASuccessThatHoldsAnErrorDocumentIsAFailure) {
+    m_server.On("POST", "")
+        .Always(Answer::Status(200).Body(
+            "<Error><Code>AccessDenied</Code><Message>No</Message></Error>"));
+    const auto store = MakeStore();
+    EXPECT_NE(DeleteAll(*store, {"a"}), 0);
+    EXPECT_EQ(m_log.CountContaining("Failed to delete objects. count:1, bucket:the-bucket, EC:"),
+              1u);
+}
+
+TEST_F(DeleteMany, TheLineOfASingleDeleteIsAtLevelTwoAndTheOthersAreAtOne) {
+    m_server.Next(Answer::Status(204));
+    m_server.Next(Deleted({"a"}));
+    const auto store = MakeStore();
+    m_log.Clear();
+    EXPECT_EQ(Delete(*store, "a"), 0);
+    EXPECT_EQ(DeleteAll(*store, {"a"}), 0);
+    std::vector<int> levels;
+    for (const RecordedLine& line : m_log.File().Lines()) {
+        levels.push_back(line.level);
+    }
+    EXPECT_THAT(levels, ElementsAre(2, 1));
+}
+
 TEST_F(DeleteMany, GoogleStopsAtTheFirstKeyThatCannotBeDeleted) {
     m_server.On("HEAD", "").Always(Answer::Status(200));
     m_server.On("DELETE", "/the-bucket/two").Always(Answer::S3Error(403, "AccessDenied", "No"));
