@@ -138,12 +138,15 @@ TEST(S3Answers, EndlessErrorBodyIsCutOff) {
     EXPECT_LE(network.Requests().at(0).offered, 2u * 1024 * 1024);
 }
 
-TEST(S3Answers, EndlessBodyNobodyWantsIsCutOff) {
+TEST(S3Answers, EndlessBodyNobodyWantsIsCutOffAndIsNoSuccess) {
     TransportStep step = Reply(200);
     step.filler = 100000000000u;
     ScriptedNetwork network({step});
 
-    EXPECT_TRUE(S3Client(kCredentials, Configuration()).PutObject(Put(Body("hello"))).IsSuccess());
+    const auto outcome = S3Client(kCredentials, Configuration()).PutObject(Put(Body("hello")));
+
+    ASSERT_FALSE(outcome.IsSuccess());
+    EXPECT_EQ("The answer is larger than can be read.", outcome.GetError().GetMessage());
     EXPECT_LE(network.Requests().at(0).offered, 2u * 1024 * 1024);
 }
 

@@ -279,28 +279,11 @@ Pipeline::Outcome Pipeline::Judge(const Call& call, ResponseReceiver& receiver) 
         return Outcome(ErrorFromAnswer(status, receiver.Text(), m_service.errorLookup));
     }
     Answer answer;
-    if (call.wire.response == ResponseKind::xml) {
-        if (receiver.TextExceedsBound()) {
-            return Outcome(DocumentError("The answer is larger than can be read."));
+    if (call.wire.response != ResponseKind::stream) {
+        std::optional<Error> error = ReadDocument(call.wire, receiver, answer.xml);
+        if (error) {
+            return Outcome(std::move(*error));
         }
-        // A service that works long on an answer sends white space to keep the connection alive.
-        const std::string& text = receiver.Text();
-        const std::size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
-        std::string parseError;
-        std::optional<Xml::Element> root =
-            Xml::Parse(text.data() + start, text.size() - start, parseError);
-        if (!root) {
-            return Outcome(DocumentError(parseError));
-        }
-        if (root->name == "Error") {
-            return Outcome(ErrorFromCode(status, root->TextOf("Code"), root->TextOf("Message"),
-                                         m_service.errorLookup));
-        }
-        if (root->name != call.wire.xmlRoot) {
-            return Outcome(DocumentError("The answer is not a " + call.wire.xmlRoot +
-                                         " document, but \"" + root->name + "\"."));
-        }
-        answer.xml = std::move(*root);
     }
     if (call.wire.response == ResponseKind::stream) {
         if (!receiver.Stream()) {
@@ -313,6 +296,40 @@ Pipeline::Outcome Pipeline::Judge(const Call& call, ResponseReceiver& receiver) 
     answer.bodyBytes = receiver.BodyBytes();
     answer.head = std::move(receiver.Head());
     return Outcome(std::move(answer));
+}
+
+std::optional<Error> Pipeline::ReadDocument(const WireRequest& wire,
+                                            const ResponseReceiver& receiver,
+                                            Xml::Element& document) const {
+    if (receiver.TextExceedsBound()) {
+        return DocumentError("The answer is larger than can be read.");
+    }
+    // A service that works long on an answer sends white space to keep the connection alive.
+    const std::string& text = receiver.Text();
+    const std::size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+    const bool expected = wire.response == ResponseKind::xml;
+    if (start == text.size() && !expected) {
+        return std::nullopt;
+    }
+    std::string parseError;
+    std::optional<Xml::Element> root =
+        Xml::Parse(text.data() + start, text.size() - start, parseError);
+    if (!root) {
+        return DocumentError(parseError);
+    }
+    if (root->name == "Error") {
+        return ErrorFromCode(receiver.Head().status, root->TextOf("Code"), root->TextOf("Message"),
+                             m_service.errorLookup);
+    }
+    // Where nothing is expected, a document is passed over, but a page for people is not a success:
+    // something between here and the service gave it.
+    if (expected ? root->name != wire.xmlRoot : root->name == "html") {
+        return DocumentError("The answer is not " +
+                             (expected ? "a " + wire.xmlRoot + " document" : "a service's") +
+                             ", but \"" + root->name + "\".");
+    }
+    document = std::move(*root);
+    return std::nullopt;
 }
 
 bool Pipeline::MayRetry(const Error& error, long retries) const {

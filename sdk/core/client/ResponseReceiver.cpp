@@ -47,7 +47,7 @@ Http::Receiver::Want ResponseReceiver::OnBody(const char* data, std::size_t size
             case ResponseKind::stream:
                 return WriteStream(data, size);
             default:
-                return m_bodyBytes <= kMaxErrorBytes ? Want::more : Want::enough;
+                return AppendText(data, size, kMaxErrorBytes);
         }
     });
 }

@@ -33,9 +33,10 @@ public:
     bool IsSuccess() const { return m_head.status >= 200 && m_head.status <= 299; }
     /// Status 0 before any head.
     Http::ResponseHead& Head() { return m_head; }
-    /// The whole error document or XML answer, as far as it was read.
+    const Http::ResponseHead& Head() const { return m_head; }
+    /// The body of an error or of a success without a stream, as far as it was read.
     const std::string& Text() const { return m_text; }
-    /// Whether the XML answer is longer than can be read.
+    /// Whether that body is longer than can be read.
     bool TextExceedsBound() const { return m_textExceedsBound; }
     /// Set for a success of ResponseKind::stream, unless the factory made none.
     std::optional<Aws::Utils::Stream::ResponseStream>& Stream() { return m_stream; }

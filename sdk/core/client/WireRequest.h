@@ -14,7 +14,7 @@ namespace Mirqos::Client {
 
 /// What becomes of the body of a successful answer. Error bodies are always read as XML.
 enum class ResponseKind {
-    none,   ///< passed over
+    none,   ///< usually empty; an error document or a page for people makes it a failure
     xml,    ///< parsed; it has to be a document whose root is WireRequest::xmlRoot
     stream  ///< goes into a stream of the request's response stream factory
 };
