@@ -9,14 +9,11 @@ namespace Mirqos::Tool {
 
 Arguments::Arguments(const std::vector<std::string>& given, const std::vector<Option>& options) {
     for (std::size_t i = 0; i < given.size(); ++i) {
-        std::string_view word = given[i];
+        const std::string_view word = given[i];
         if (word == "--") {
             m_words.insert(m_words.end(), given.begin() + static_cast<std::ptrdiff_t>(i) + 1,
                            given.end());
             return;
-        }
-        if (word == "-h") {
-            word = "--help";
         }
         if (word.size() < 2 || word.front() != '-') {
             m_words.emplace_back(word);
@@ -25,7 +22,9 @@ Arguments::Arguments(const std::vector<std::string>& given, const std::vector<Op
         const std::size_t equals = word.find('=');
         const std::string_view name = word.substr(0, equals);
         const auto option = std::find_if(options.begin(), options.end(), [&](const Option& known) {
-            return name.substr(0, 2) == "--" && known.name == name.substr(2);
+            return name.substr(0, 2) == "--"
+                       ? known.name == name.substr(2)
+                       : name.size() == 2 && known.letter == name[1] && known.letter != '\0';
         });
         if (option == options.end()) {
             throw Failure(ExitCode::Usage, "unknown option " + Printable(name));

@@ -15,15 +15,16 @@ struct Option {
     std::string_view value;        ///< what its value is called in the help; empty for a switch
     std::string_view environment;  ///< variable that gives the value too; empty for none
     std::string_view help;
+    char letter = '\0';  ///< a short name, as in -h; NUL for none
 };
 
 /// A command line taken apart. Knows no option by itself.
 class Arguments {
 public:
     /// `given` is the command line without the program's name. Options may stand anywhere, as
-    /// "--name value" or "--name=value"; "--" ends them; of a repeated one the last holds; "-h" is
-    /// "--help". Throws Failure (Usage) that names the option but never shows a value, which may be
-    /// a secret.
+    /// "--name value" or "--name=value"; "--" ends them; of a repeated one the last holds. Of
+    /// options with the same letter the first in `options` has it. Throws Failure (Usage) that
+    /// names the option but never shows a value, which may be a secret.
     Arguments(const std::vector<std::string>& given, const std::vector<Option>& options);
 
     bool Has(std::string_view option) const;

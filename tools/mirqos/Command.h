@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,7 @@ struct Settings;
 /// What a command runs with.
 struct Invocation {
     const Arguments& arguments;
-    std::vector<std::string> operands;  ///< as many as the command asks for
+    std::vector<std::string> operands;  ///< as many as the command takes
     const Settings& settings;
     Interruption& interruption;
 
@@ -23,13 +24,17 @@ struct Invocation {
     void Report(const std::string& line) const;
 };
 
+/// As many operands as the user likes.
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
 /// A command: a row of the table, and a short source for its `run`.
 struct Command {
     std::string_view name;
     std::string_view operands;     ///< as the help shows them
     std::string_view summary;      ///< one line
     std::string_view description;  ///< paragraphs and examples
-    std::size_t operandCount;
+    std::size_t fewestOperands;
+    std::size_t mostOperands;
     std::vector<Option> options;  ///< its own, beside the common ones
     /// Throws Failure; returning is success.
     void (*run)(const Invocation& invocation);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@ namespace Mirqos::Tool {
 /// the command, so nothing is reported.
 void WriteOutput(std::string_view text);
 void WriteError(std::string_view text);
+
+/// Reads on from where the user's input stream is; 0 at its end, nothing where it cannot be read.
+std::optional<std::size_t> ReadInput(char* to, std::size_t size);
 
 /// Columns of the terminal that WriteError writes to; nothing when it is no terminal.
 std::optional<unsigned> ErrorColumns();

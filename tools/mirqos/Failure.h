@@ -11,6 +11,7 @@ enum class ExitCode : int {
     OperationFailed = 1,  ///< the service or the network refused or failed
     Usage = 2,            ///< the command line or the environment is wrong
     LocalFile = 3,        ///< a file of this machine could not be read or written
+    NotFound = 4,         ///< the answer is "no": what was asked about is not there
     Interrupted = 130,    ///< Ctrl-C, as shells report it
 };
 

@@ -32,7 +32,8 @@ std::string Wrap(std::string_view text, std::size_t indent) {
 std::string DescribeOptions(const std::vector<Option>& options) {
     std::string text;
     for (const Option& option : options) {
-        text += "  --" + std::string(option.name);
+        text += option.letter == '\0' ? "  --" : std::string("  -") + option.letter + ", --";
+        text += option.name;
         if (!option.value.empty()) {
             text += " " + std::string(option.value);
         }
@@ -57,7 +58,16 @@ constexpr const char* kExitCodes =
     "  1    the service or the network refused or failed; the message has the status\n"
     "  2    the command line or the environment is wrong\n"
     "  3    a file of this machine could not be read or written\n"
+    "  4    find, stat: there is no such object\n"
     "  130  interrupted with Ctrl-C\n";
+
+constexpr const char* kJson =
+    "JSON:\n"
+    "  With --json a command prints one document. Keys and other texts stand in it as\n"
+    "  they are. One that is not UTF-8 has \\xNN for each foreign byte and \\\\ for each\n"
+    "  backslash (before JSON's own escapes), and a member beside it, as keyEscaped\n"
+    "  beside key, is true. Listings are written while they arrive: a document is\n"
+    "  whole only where the exit code is 0.\n";
 
 constexpr const char* kExample =
     "Example, with a service on this machine:\n"
@@ -65,6 +75,7 @@ constexpr const char* kExample =
     "  export MIRQOS_ACCESS_KEY=... MIRQOS_SECRET_KEY=...\n"
     "  mirqos mb s3://photos\n"
     "  mirqos put holiday.jpg s3://photos/2024/holiday.jpg\n"
+    "  mirqos ls -h s3://photos/2024/\n"
     "  mirqos get s3://photos/2024/holiday.jpg copy.jpg\n"
     "  (in the Windows command prompt: set NAME=value, one on each line)\n";
 
@@ -94,13 +105,14 @@ std::string ProgramHelp(const std::vector<Command>& commands) {
             "explain a command\n\nOptions:\n" + DescribeOptions(CommonOptions()) +
             "  A flag wins over its variable. -- ends the options, for file names that\n"
             "  begin with a dash.\n\n";
-    return text + kCredentials + "\n" + kExitCodes + "\n" + kExample;
+    return text + kCredentials + "\n" + kExitCodes + "\n" + kJson + "\n" + kExample;
 }
 
 std::string CommandHelp(const Command& command) {
     std::string text = "mirqos " + std::string(command.name) + " - " +
                        std::string(command.summary) + "\n\nUsage: mirqos " +
-                       std::string(command.name) + " [OPTION...] " + std::string(command.operands) +
+                       std::string(command.name) + " [OPTION...]" +
+                       (command.operands.empty() ? "" : " ") + std::string(command.operands) +
                        "\n\n" + std::string(command.description);
     if (!command.options.empty()) {
         text += "\nOptions of this command:\n" + DescribeOptions(command.options);

@@ -60,17 +60,22 @@ std::string ObjectUrl::Shown() const {
     return shown;
 }
 
+std::string FaultOfKey(std::string_view key) {
+    if (key.size() > kLongestKey) {
+        return "the key is longer than 1024 bytes";
+    }
+    if (!IsUtf8(key)) {
+        return "the key is not valid UTF-8";
+    }
+    // the library takes texts that end with one
+    return key.find('\0') == std::string_view::npos ? "" : "the key holds a NUL";
+}
+
 ObjectUrl ParseObjectUrl(std::string_view text) {
-    ObjectUrl url = Split(text);
+    ObjectUrl url = ParsePrefixUrl(text);
     if (url.key.empty()) {
         throw Failure(ExitCode::Usage,
                       "the address names a bucket only; an object is s3://bucket/key");
-    }
-    if (url.key.size() > kLongestKey) {
-        throw Failure(ExitCode::Usage, "the key is longer than 1024 bytes");
-    }
-    if (!IsUtf8(url.key)) {
-        throw Failure(ExitCode::Usage, "the key is not valid UTF-8");
     }
     return url;
 }
@@ -79,6 +84,14 @@ ObjectUrl ParseBucketUrl(std::string_view text) {
     ObjectUrl url = Split(text);
     if (!url.key.empty()) {
         throw Failure(ExitCode::Usage, "the address names an object; a bucket is s3://bucket");
+    }
+    return url;
+}
+
+ObjectUrl ParsePrefixUrl(std::string_view text) {
+    ObjectUrl url = Split(text);
+    if (const std::string fault = FaultOfKey(url.key); !fault.empty()) {
+        throw Failure(ExitCode::Usage, fault);
     }
     return url;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <utility>
 
 #include "tools/mirqos/Console.h"
 #include "tools/mirqos/Failure.h"
@@ -15,24 +16,39 @@ namespace Mirqos::Tool {
 
 namespace {
 
-/// Every option there is, so that options may stand before the command.
-std::vector<Option> AllOptions() {
-    std::vector<Option> options = CommonOptions();
+/// Every option there is, so that options may stand before the command; `first` in front.
+std::vector<Option> AllOptions(std::vector<Option> first) {
+    std::vector<Option> options = std::move(first);
+    options.insert(options.end(), CommonOptions().begin(), CommonOptions().end());
     for (const Command& command : Commands()) {
         options.insert(options.end(), command.options.begin(), command.options.end());
     }
     return options;
 }
 
-const Command& FindCommand(const std::string& name) {
+/// Null where there is none.
+const Command* LookUpCommand(const std::string& name) {
     const auto& commands = Commands();
     const auto found = std::find_if(commands.begin(), commands.end(),
                                     [&](const Command& command) { return command.name == name; });
-    if (found == commands.end()) {
+    return found == commands.end() ? nullptr : &*found;
+}
+
+const Command& FindCommand(const std::string& name) {
+    const Command* const command = LookUpCommand(name);
+    if (command == nullptr) {
         // not repeated: what stands in its place may be a value that lost its option
         throw Failure(ExitCode::Usage, "there is no such command");
     }
-    return *found;
+    return *command;
+}
+
+/// The command line as the command in it reads it, whose own letters come before the common ones.
+Arguments Read(const std::vector<std::string>& given) {
+    const Arguments arguments(given, AllOptions({}));
+    const auto& words = arguments.Words();
+    const Command* const command = words.empty() ? nullptr : LookUpCommand(words[0]);
+    return command == nullptr ? arguments : Arguments(given, AllOptions(command->options));
 }
 
 void RefuseForeignOptions(const Command& command, const Arguments& arguments) {
@@ -52,7 +68,7 @@ void RunCommand(const Command& command, const Arguments& arguments) {
     RefuseForeignOptions(command, arguments);
     const auto& words = arguments.Words();
     std::vector<std::string> operands(words.begin() + 1, words.end());
-    if (operands.size() != command.operandCount) {
+    if (operands.size() < command.fewestOperands || operands.size() > command.mostOperands) {
         throw Failure(ExitCode::Usage,
                       std::string(command.name) + " takes " + std::string(command.operands) + "; " +
                           std::to_string(operands.size()) + " operands were given");
@@ -63,7 +79,7 @@ void RunCommand(const Command& command, const Arguments& arguments) {
 }
 
 void Run(const std::vector<std::string>& given) {
-    const Arguments arguments(given, AllOptions());
+    const Arguments arguments = Read(given);
     const auto& words = arguments.Words();
     if (arguments.Has("version")) {
         WriteOutput("mirqos " MIRQOS_VERSION "\n");

@@ -17,12 +17,6 @@ CloudStoreContext StartWith(const Settings& settings) {
     return context;
 }
 
-bool BucketAnswers(const std::string& bucket, MIRQOSInterface& store) {
-    CloudStoreHeadBucketConext head;
-    head.m_pszBucket = bucket.c_str();
-    return store.HeadBucket(&head) == 0 && head.m_bExists;
-}
-
 }  // namespace
 
 Session::Session(const Settings& settings)
@@ -50,21 +44,45 @@ StorePointer Session::OpenStore(const std::string& bucket, std::uint64_t readRoo
     return store;
 }
 
+bool BucketAnswers(MIRQOSInterface& store, const std::string& bucket) {
+    CloudStoreHeadBucketConext head;
+    head.m_pszBucket = bucket.c_str();
+    return store.HeadBucket(&head) == 0 && head.m_bExists;
+}
+
+bool ObjectAnswers(MIRQOSInterface& store, const ObjectUrl& url) {
+    CloudStoreHeadObjectConext head;
+    head.m_pszBucket = url.bucket.c_str();
+    head.m_pszKey = url.key.c_str();
+    const std::int32_t status = store.HeadObject(&head);
+    if (status != kStatusNotFound) {
+        CheckStatus(status, "HeadObject", url, store);
+    }
+    return status == 0 && head.m_bExists;
+}
+
+void FailOperation(std::int32_t status, const char* operation, const ObjectUrl& url,
+                   const std::string& why) {
+    const std::string key = url.key.empty() ? "" : ", key '" + Printable(url.key) + "'";
+    throw Failure(ExitCode::OperationFailed, std::string(operation) + " failed for bucket '" +
+                                                 url.bucket + "'" + key + ": status " +
+                                                 std::to_string(status) + ", " + why);
+}
+
 void CheckStatus(std::int32_t status, const char* operation, const ObjectUrl& url,
                  MIRQOSInterface& store) {
     if (status == 0) {
         return;
     }
     std::string why = ExplainStatus(status);
-    if (IsS3Status(status) && !url.key.empty()) {
-        why = BucketAnswers(url.bucket, store)
-                  ? "the bucket is there; check the key, most likely there is no such object"
-                  : "most likely there is no such bucket, or these credentials may not see it";
+    if (IsS3Status(status) || status == kStatusNotFound) {
+        if (!BucketAnswers(store, url.bucket)) {
+            why = "most likely there is no such bucket, or these credentials may not see it";
+        } else if (!url.key.empty()) {
+            why = "the bucket is there; check the key, most likely there is no such object";
+        }
     }
-    const std::string key = url.key.empty() ? "" : ", key '" + Printable(url.key) + "'";
-    throw Failure(ExitCode::OperationFailed, std::string(operation) + " failed for bucket '" +
-                                                 url.bucket + "'" + key + ": status " +
-                                                 std::to_string(status) + ", " + why);
+    FailOperation(status, operation, url, why);
 }
 
 }  // namespace Mirqos::Tool

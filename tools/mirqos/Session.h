@@ -30,9 +30,20 @@ private:
     MIRQOSEngineStarter m_engine;
 };
 
+/// Whether the service says that there is such a bucket for these credentials.
+bool BucketAnswers(MIRQOSInterface& store, const std::string& bucket);
+
+/// Whether the service says that there is such an object; a missing bucket gives "no" as well.
+/// Throws Failure where it says neither.
+bool ObjectAnswers(MIRQOSInterface& store, const ObjectUrl& url);
+
 /// Throws Failure (OperationFailed) with the one line that says what failed, with which status, and
-/// what the usual cause is; returns where the status is 0. Where the status may mean a missing
-/// bucket it asks the service about that. `operation` is the library's name for it.
+/// `why`. `operation` is the library's name for it.
+[[noreturn]] void FailOperation(std::int32_t status, const char* operation, const ObjectUrl& url,
+                                const std::string& why);
+
+/// The same with the usual cause; returns where the status is 0. Where the status may mean a
+/// missing bucket it asks the service about that.
 void CheckStatus(std::int32_t status, const char* operation, const ObjectUrl& url,
                  MIRQOSInterface& store);
 

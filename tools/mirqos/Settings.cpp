@@ -131,9 +131,9 @@ const std::vector<Option>& CommonOptions() {
         {"log-level", "LEVEL", "MIRQOS_LOG_LEVEL",
          "what the S3 client writes to the library's log: off, fatal, error, warn (default), info, "
          "debug, trace, or 0 to 6"},
-        {"quiet", "", "", "say nothing but errors"},
+        {"quiet", "", "", "say nothing but errors and what a command is there to show"},
         {"no-progress", "", "", "no progress bar, but the result"},
-        {"help", "", "", "this text, or a command's with the command in front"},
+        {"help", "", "", "this text, or a command's with the command in front", 'h'},
         {"version", "", "", "the version"},
     };
     return options;

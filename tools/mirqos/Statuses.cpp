@@ -15,7 +15,7 @@ struct Explanation {
     const char* text;
 };
 
-constexpr std::array<Explanation, 20> kExplanations = {{
+constexpr std::array<Explanation, 21> kExplanations = {{
     {-1, "the library could not carry it out; see its log"},
     {1, "the service failed internally; try again later"},
     {3, "the service does not know the access key; check it and the endpoint"},
@@ -25,7 +25,7 @@ constexpr std::array<Explanation, 20> kExplanations = {{
     {12, "the service is not available at the moment; try again later"},
     {13, "the service asks for fewer requests; try again later, with fewer threads"},
     {15, "access denied: check that the keys are right and may do this with this bucket and key"},
-    {16, "not found: check the bucket and the key"},
+    {kStatusNotFound, "not found: check the bucket and the key"},
     {17, "the service does not know the client; check the access key and the endpoint"},
     {19, "the service asks for fewer requests; try again later, with fewer threads"},
     {20, "the clocks of this machine and the service differ; set this machine's clock"},
@@ -33,6 +33,7 @@ constexpr std::array<Explanation, 20> kExplanations = {{
     {22, "the signature does not match: check the secret key and the region"},
     {23, "the service does not know the access key; check it and the endpoint"},
     {24, "the service gave the request up as too slow; try again, with fewer threads"},
+    {34, "the answer is longer than the library's record for it"},
     {50, "this version of the library does not support it"},
     {99, "no answer: check the endpoint, the network, and HTTP against HTTPS"},
     {110, "the account has as many buckets as it may have"},

@@ -108,6 +108,10 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+std::string PadLeft(const std::string& text, std::size_t columns) {
+    return text.size() < columns ? std::string(columns - text.size(), ' ') + text : text;
+}
+
 std::size_t CountCharacters(std::string_view text) {
     std::size_t count = 0;
     for (const char c : text) {
@@ -138,6 +142,25 @@ std::string Printable(std::string_view text) {
             length == 2 && Byte(text.front()) == 0xC2U && Byte(text[1]) < 0xA0U;
         if (length == 0 || control || highControl) {
             result += '?';
+        } else {
+            result += text.substr(0, length);
+        }
+        text.remove_prefix(length == 0 ? 1 : length);
+    }
+    return result;
+}
+
+std::string EscapeForeignBytes(std::string_view text) {
+    static constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string result;
+    while (!text.empty()) {
+        const std::size_t length = CharacterLength(text);
+        if (length == 0) {
+            result += "\\x";
+            result += kDigits[Byte(text.front()) >> 4U];
+            result += kDigits[Byte(text.front()) & 0x0FU];
+        } else if (text.front() == '\\') {
+            result += "\\\\";
         } else {
             result += text.substr(0, length);
         }

@@ -21,6 +21,9 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text, std::uint64_t le
 /// Whether a text is well-formed UTF-8: no overlong forms, no surrogates, nothing past U+10FFFF.
 bool IsUtf8(std::string_view text);
 
+/// The text with blanks in front, so that it has at least `columns` bytes.
+std::string PadLeft(const std::string& text, std::size_t columns);
+
 /// Characters of a UTF-8 text, as a terminal counts columns for most scripts.
 std::size_t CountCharacters(std::string_view text);
 
@@ -30,5 +33,9 @@ std::string_view LastCharacters(std::string_view text, std::size_t count);
 /// The text with every control character replaced by "?", so that a name that comes from elsewhere
 /// cannot steer the terminal it is shown on.
 std::string Printable(std::string_view text);
+
+/// The text as UTF-8: each byte that belongs to no well-formed character becomes "\xNN" with two
+/// hexadecimal digits, and each backslash becomes two, so that it can be undone.
+std::string EscapeForeignBytes(std::string_view text);
 
 }  // namespace Mirqos::Tool

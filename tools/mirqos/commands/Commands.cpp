@@ -3,8 +3,11 @@
 namespace Mirqos::Tool {
 
 const std::vector<Command>& Commands() {
-    static const std::vector<Command> commands = {PutCommand(), GetCommand(), MakeBucketCommand(),
-                                                  RemoveCommand()};
+    static const std::vector<Command> commands = {
+        PutCommand(),          GetCommand(),     RemoveCommand(),   ListCommand(),
+        FindCommand(),         StatCommand(),    TagCommand(),      MakeBucketCommand(),
+        RemoveBucketCommand(), BucketsCommand(), LocationCommand(), LifecycleCommand(),
+        UploadsCommand()};
     return commands;
 }
 

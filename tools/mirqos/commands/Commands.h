@@ -14,5 +14,14 @@ Command PutCommand();
 Command GetCommand();
 Command MakeBucketCommand();
 Command RemoveCommand();
+Command ListCommand();
+Command FindCommand();
+Command StatCommand();
+Command TagCommand();
+Command UploadsCommand();
+Command LifecycleCommand();
+Command RemoveBucketCommand();
+Command BucketsCommand();
+Command LocationCommand();
 
 }  // namespace Mirqos::Tool

@@ -3,6 +3,7 @@
 
 #include "tools/mirqos/Failure.h"
 #include "tools/mirqos/Interruption.h"
+#include "tools/mirqos/Listing.h"
 #include "tools/mirqos/ObjectUrl.h"
 #include "tools/mirqos/PartFile.h"
 #include "tools/mirqos/Progress.h"
@@ -58,7 +59,7 @@ public:
     explicit Get(const Invocation& invocation)
         : m_invocation(invocation),
           m_url(ParseObjectUrl(invocation.operands[0])),
-          m_size(GivenSize(invocation)) {}
+          m_given(GivenSize(invocation)) {}
 
     void Run() {
         const Stopwatch stopwatch;
@@ -68,8 +69,9 @@ public:
         std::uint64_t size = 0;
         {
             Progress progress(m_invocation.settings.progress);
-            progress.Count("getting", m_url.key, m_size);
             const Session session(m_invocation.settings);
+            m_listed = m_given ? std::nullopt : LookUpSize(session);
+            progress.Count("getting", m_url.key, Size());
             size = Download(session, file, progress);
             m_invocation.interruption.CheckPoint();
             file.Commit();
@@ -78,10 +80,17 @@ public:
     }
 
 private:
+    std::optional<std::uint64_t> LookUpSize(const Session& session) const {
+        const StorePointer store = session.OpenStore(m_url.bucket, 0);
+        return ListedSize(*store, m_url, m_invocation.settings.provider);
+    }
+
+    std::optional<std::uint64_t> Size() const { return m_given ? m_given : m_listed; }
+
     std::uint64_t Download(const Session& session, PartFile& file, Progress& progress) const {
         RangedDownload download;
         download.threads = m_invocation.settings.threads;
-        download.size = m_size;
+        download.size = Size();
         download.stopped = [this] { return m_invocation.interruption.Requested(); };
         download.take = [&](std::uint64_t offset, const unsigned char* from, std::size_t size) {
             file.WriteAt(offset, from, size);
@@ -108,23 +117,23 @@ private:
             case ReadPlan::Verdict::WrongSize:
                 break;
         }
-        throw Failure(ExitCode::OperationFailed, m_url.Shown() + " does not have the " +
-                                                     std::to_string(m_size.value_or(0)) +
-                                                     " bytes of --size");
+        throw Failure(ExitCode::OperationFailed,
+                      m_url.Shown() + " does not have the " + std::to_string(Size().value_or(0)) +
+                          (m_given ? " bytes of --size"
+                                   : " bytes that the listing gave; where it was not replaced "
+                                     "meanwhile, give its size with --size"));
     }
 
     /// The size, 0, where the failure means that the object is empty.
     std::uint64_t AfterFailure(const Session& session, const RangedDownload::Result& result) const {
         const StorePointer store = session.OpenStore(m_url.bucket, RangedDownload::kRoom);
         const bool mayBeEmpty = result.failedAtOnce && result.status == kStatusUnknown;
-        if (mayBeEmpty && (m_size ? *m_size == 0 : IsProvenEmpty(*store, m_url))) {
+        if (mayBeEmpty && (Size() ? *Size() == 0 : IsProvenEmpty(*store, m_url))) {
             return 0;
         }
         if (mayBeEmpty) {
-            throw Failure(ExitCode::OperationFailed,
-                          "ReadObject failed for bucket '" + m_url.bucket + "', key '" +
-                              Printable(m_url.key) + "': status " + std::to_string(result.status) +
-                              ", " + ExplainStatus(result.status) +
+            FailOperation(result.status, "ReadObject", m_url,
+                          ExplainStatus(result.status) +
                               "; an empty object gives this status too: where you know that it is "
                               "one, say --size 0");
         }
@@ -134,7 +143,8 @@ private:
 
     const Invocation& m_invocation;
     const ObjectUrl m_url;
-    const std::optional<std::uint64_t> m_size;
+    const std::optional<std::uint64_t> m_given;
+    std::optional<std::uint64_t> m_listed;
 };
 
 void Run(const Invocation& invocation) {
@@ -152,14 +162,15 @@ Command GetCommand() {
             "complete and is removed when something fails; a file that has the name already\n"
             "stays as it is until then.\n"
             "\n"
-            "The service is not asked for the size; an answer shorter than its range ends\n"
-            "the object. With --size the object has to have that size, and nothing behind\n"
-            "it is asked for. Some services give no way to tell an empty object from one\n"
-            "that cannot be read: there, an empty object needs --size 0.\n"
+            "The size comes from --size or else from the bucket's listing, and the object has\n"
+            "to have it. Where the credentials may not list, an answer shorter than its range\n"
+            "ends the object; some services then give no way to tell an empty object from one\n"
+            "that cannot be read, and an empty object needs --size 0.\n"
             "\n"
             "Examples:\n"
             "  mirqos get s3://photos/2024/holiday.jpg copy.jpg\n"
             "  mirqos get --threads 8 s3://backups/disk.img disk.img\n",
+            2,
             2,
             {{"size", "BYTES", "", "what the object has to have, in bytes"}},
             &Run};

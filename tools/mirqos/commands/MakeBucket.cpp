@@ -1,5 +1,7 @@
+#include "tools/mirqos/Answer.h"
 #include "tools/mirqos/ObjectUrl.h"
 #include "tools/mirqos/Session.h"
+#include "tools/mirqos/Statuses.h"
 #include "tools/mirqos/commands/Commands.h"
 
 namespace Mirqos::Tool {
@@ -28,8 +30,10 @@ void Run(const Invocation& invocation) {
     CloudStoreCreateBucketContext create;
     create.m_pszBucket = url.bucket.c_str();
     create.m_pszRegion = location.empty() ? nullptr : location.c_str();
-    CheckStatus(store->CreateBucket(&create), "CreateBucket", url, *store);
-    invocation.Report("made bucket " + url.Shown());
+    if (const std::int32_t status = store->CreateBucket(&create); status != 0) {
+        FailOperation(status, "CreateBucket", url, ExplainStatus(status));
+    }
+    Report(invocation, {{"bucket", url.bucket}}, "made bucket " + url.Shown());
 }
 
 }  // namespace
@@ -45,9 +49,11 @@ Command MakeBucketCommand() {
             "Example:\n"
             "  mirqos mb s3://photos\n",
             1,
+            1,
             {{"location", "NAME", "",
               "where the bucket is to stand; without it, the region on Amazon S3 and the service's "
-              "own choice elsewhere"}},
+              "own choice elsewhere"},
+             JsonOption()},
             &Run};
 }
 

@@ -97,6 +97,7 @@ Command PutCommand() {
             "  mirqos put holiday.jpg s3://photos/2024/holiday.jpg\n"
             "  mirqos put \"My file.txt\" \"s3://photos/My file.txt\"\n",
             2,
+            2,
             {},
             &Run};
 }

@@ -33,6 +33,14 @@ void WriteError(std::string_view text) {
     Write(STDERR_FILENO, text);
 }
 
+std::optional<std::size_t> ReadInput(char* to, std::size_t size) {
+    ssize_t count = 0;
+    do {
+        count = ::read(STDIN_FILENO, to, size);
+    } while (count < 0 && errno == EINTR);
+    return count < 0 ? std::nullopt : std::optional<std::size_t>(static_cast<std::size_t>(count));
+}
+
 std::optional<unsigned> ErrorColumns() {
     if (::isatty(STDERR_FILENO) == 0) {
         return std::nullopt;

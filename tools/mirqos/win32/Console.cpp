@@ -2,11 +2,15 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "tools/mirqos/win32/Wide.h"
 
 namespace Mirqos::Tool {
 
 namespace {
+
+constexpr std::size_t kMostPerCall = std::size_t{1} << 30U;
 
 void Write(DWORD stream, std::string_view text) {
     const HANDLE handle = GetStdHandle(stream);
@@ -36,6 +40,16 @@ void WriteOutput(std::string_view text) {
 
 void WriteError(std::string_view text) {
     Write(STD_ERROR_HANDLE, text);
+}
+
+std::optional<std::size_t> ReadInput(char* to, std::size_t size) {
+    const auto wanted = static_cast<DWORD>(std::min<std::size_t>(size, kMostPerCall));
+    DWORD count = 0;
+    if (::ReadFile(GetStdHandle(STD_INPUT_HANDLE), to, wanted, &count, nullptr) != 0) {
+        return count;
+    }
+    // the other side of a pipe has closed it: the end, as Windows tells it
+    return GetLastError() == ERROR_BROKEN_PIPE ? std::optional<std::size_t>(0) : std::nullopt;
 }
 
 std::optional<unsigned> ErrorColumns() {
