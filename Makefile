@@ -1,6 +1,6 @@
 # The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
 .DEFAULT_GOAL := help
-.PHONY: help deps test demo format lint clean
+.PHONY: help deps test demo fuzz format lint clean
 .NOTPARALLEL:
 
 help: ## this list
@@ -14,6 +14,9 @@ test: deps ## everything: check the sources, build and test all four presets (PR
 
 demo: deps ## build the product and let it carry real files to an S3 server and back
 	@scripts/demo
+
+fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
+	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
 
 format: deps ## lay out the sources as .clang-format says
 	@scripts/format fix
