@@ -1,109 +1,20 @@
 #!/usr/bin/env python3
-"""Drives the built program against a real S3 server, as a user would.
+"""Drives the built program against a real S3 server, as a user would: files to objects and back."""
 
-    tool_test.py [--runner RUNNER] PROGRAM
-
-The server is the one that MIRQOS_S3_ENDPOINT, _REGION, _ACCESS_KEY and _SECRET_KEY name, or without
-them the file of such lines that MIRQOS_S3_ENV names. RUNNER starts programs built for another
-system.
-"""
-
-import argparse
-import hashlib
-import http.server
 import os
 import random
-import shutil
 import signal
 import subprocess
-import sys
-import tempfile
 import threading
 import unittest
 import uuid
 
-LIMIT = 120  # seconds for one run of the program, so that a hung one fails
+from tool_case import COMMAND, LIMIT, WRONG_SECRET, Case, ScriptedCase, digest, environment, run
+
 PART = 8 << 20
 OVERLAP = 16
-WRONG_SECRET = "wr0ngS3cretThatMustNotBeShownAnywhere123"
-COMMAND = []
-
-
-def server():
-    names = ("ENDPOINT", "REGION", "ACCESS_KEY", "SECRET_KEY")
-    values = {name: os.environ.get("MIRQOS_S3_" + name, "") for name in names}
-    if not values["ENDPOINT"]:
-        with open(os.environ["MIRQOS_S3_ENV"]) as lines:
-            given = dict(line.rstrip("\n").split("=", 1) for line in lines if "=" in line)
-        values = {name: given["MIRQOS_S3_" + name] for name in names}
-    return values
-
-
-def environment(**changes):
-    """What the program sees: the server and the keys, nothing of the user's own."""
-    kept = {n: v for n, v in os.environ.items() if not n.startswith(("MIRQOS_S3_", "AWS_"))}
-    s3 = server()
-    kept.update(MIRQOS_ENDPOINT="http://" + s3["ENDPOINT"], MIRQOS_REGION=s3["REGION"],
-                MIRQOS_ACCESS_KEY=s3["ACCESS_KEY"], MIRQOS_SECRET_KEY=s3["SECRET_KEY"])
-    kept.update(changes)
-    return {n: v for n, v in kept.items() if v is not None}
-
-
-def digest(path):
-    with open(path, "rb") as file:
-        return hashlib.sha256(file.read()).hexdigest()
-
-
-class Case(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        self.folder = tempfile.mkdtemp(prefix="mirqos-tool-")
-        self.addCleanup(shutil.rmtree, self.folder)
-
-    def path(self, name):
-        return os.path.join(self.folder, name)
-
-    def run_tool(self, *arguments, env=None):
-        """Runs the program in the test's folder. The secrets never come out of it."""
-        env = env or environment()
-        done = subprocess.run(COMMAND + list(arguments), env=env, cwd=self.folder, timeout=LIMIT,
-                              stdin=subprocess.DEVNULL, capture_output=True)
-        out = done.stdout.decode("utf-8").replace("\r\n", "\n")
-        err = done.stderr.decode("utf-8").replace("\r\n", "\n")
-        for secret in (server()["SECRET_KEY"], WRONG_SECRET):
-            self.assertNotIn(secret, out + err)
-        if len(COMMAND) > 1:
-            # Wine's own services start and end with each program and write to its error stream; at
-            # times one of them (ntoskrnl.exe in Wine 8) faults. A fault of the program itself shows
-            # in its exit code.
-            err = "".join(line for line in err.splitlines(True) if not line.startswith("wine: "))
-        return done.returncode, out, err
-
-    def succeed(self, *arguments, **more):
-        code, out, err = self.run_tool(*arguments, **more)
-        self.assertEqual((code, err), (0, ""), (arguments, out))
-        return out
-
-    def fail_with(self, expected, *arguments, **more):
-        code, out, err = self.run_tool(*arguments, **more)
-        self.assertEqual((code, out), (expected, ""), (arguments, err))
-        self.assertEqual(err.count("\n"), 1, err)
-        self.assertTrue(err.startswith("mirqos: "), err)
-        return err
-
-    def write(self, name, size):
-        with open(self.path(name), "wb") as file:
-            file.write(random.Random(size).randbytes(size))
-        return name
-
-    def bucket(self):
-        name = "tool-" + uuid.uuid4().hex
-        self.succeed("mb", "s3://" + name)
-        return "s3://" + name
-
-    def files(self):
-        return sorted(os.listdir(self.folder))
+COMMANDS = ("put", "get", "rm", "ls", "find", "stat", "tag", "mb", "rb", "buckets", "location",
+            "lifecycle", "uploads")
 
 
 class Objects(Case):
@@ -122,20 +33,14 @@ class Objects(Case):
                     self.assertEqual(digest(self.path("in")), digest(self.path("out")))
                     self.assertEqual(self.files(), ["in", "out"])
 
-    def test_an_empty_file_comes_back_empty_where_the_user_says_so(self):
+    def test_an_empty_file_comes_back_empty(self):
         url = self.bucket() + "/empty"
         self.write("in", 0)
         self.succeed("put", "in", url)
-        self.succeed("get", url, "out", "--size", "0")
-        self.assertEqual(os.path.getsize(self.path("out")), 0)
-        self.assertEqual(self.files(), ["in", "out"])
-
-    def test_an_object_of_which_nothing_could_be_read_is_not_taken_for_empty(self):
-        url = self.bucket() + "/empty"
-        self.write("in", 0)
-        self.succeed("put", "in", url)
-        self.assertIn("--size 0", self.fail_with(1, "get", url, "out"))
-        self.assertEqual(self.files(), ["in"])
+        for size in ((), ("--size", "0")):
+            self.succeed("get", url, "out", *size)
+            self.assertEqual(os.path.getsize(self.path("out")), 0)
+            self.assertEqual(self.files(), ["in", "out"])
 
     def test_another_size_than_given_is_an_error_and_leaves_no_file(self):
         url = self.bucket() + "/object"
@@ -271,47 +176,8 @@ class Failures(Case):
         self.assertEqual(self.files(), ["folder", "in", "taken.part"])
 
 
-class Service(http.server.BaseHTTPRequestHandler):
-    """Says what the case's `answer` says; for what a real server does not do on demand."""
-    protocol_version = "HTTP/1.1"
-
-    def do_GET(self):
-        self.server.answer(self)
-
-    def do_HEAD(self):
-        self.send(404, b"")
-
-    def send(self, status, body):
-        self.send_response(status)
-        self.send_header("Content-Length", str(len(body)))
-        self.end_headers()
-        if self.command != "HEAD":
-            self.wfile.write(body)
-
-    def range(self):
-        first, last = self.headers["Range"].split("=")[1].split("-")
-        return int(first), int(last)
-
-    def refuse(self, status, code):
-        self.send(status, ("<?xml version=\"1.0\"?><Error><Code>%s</Code><Message>m</Message>"
-                           "</Error>" % code).encode())
-
-    def log_message(self, *_):
-        pass
-
-
-class Scripted(Case):
+class Scripted(ScriptedCase):
     """What a real server does not do on demand."""
-
-    def serve(self, answer):
-        service = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Service)
-        service.daemon_threads = True
-        service.block_on_close = False
-        service.answer = answer
-        threading.Thread(target=service.serve_forever, daemon=True).start()
-        self.addCleanup(service.server_close)
-        self.addCleanup(service.shutdown)
-        return environment(MIRQOS_ENDPOINT="http://127.0.0.1:%d" % service.server_port)
 
     def test_an_empty_object_is_recognised_where_the_service_ignores_impossible_ranges(self):
         def answer(request):
@@ -322,6 +188,29 @@ class Scripted(Case):
                 request.send(200, b"")
         self.succeed("get", "s3://bucket/k", "out", env=self.serve(answer))
         self.assertEqual(os.path.getsize(self.path("out")), 0)
+
+    def test_an_object_of_which_nothing_could_be_read_is_not_taken_for_empty(self):
+        # neither the listing nor the answer to an impossible range says how large it is
+        env = self.serve(lambda request: request.refuse(416, "InvalidRange"))
+        self.assertIn("--size 0", self.fail_with(1, "get", "s3://bucket/k", "out", env=env))
+        self.assertEqual(self.files(), [])
+        self.succeed("get", "s3://bucket/k", "out", "--size", "0", env=env)
+        self.assertEqual(os.path.getsize(self.path("out")), 0)
+
+    def test_the_size_comes_from_the_listing_of_exactly_the_key(self):
+        def refuse(request):
+            request.refuse(416, "InvalidRange")
+        env = self.serve(refuse, lambda request: request.list([("k2", 0)]))
+        self.assertIn("--size 0", self.fail_with(1, "get", "s3://bucket/k", "out", env=env))
+        env = self.serve(refuse, lambda request: request.list([("k", 0), ("k2", 5)]))
+        self.succeed("get", "s3://bucket/k", "out", env=env)
+        self.assertEqual(os.path.getsize(self.path("out")), 0)
+
+    def test_another_size_than_listed_is_an_error_and_leaves_no_file(self):
+        env = self.serve(lambda request: request.send(206, b"short"),
+                         lambda request: request.list([("k", 1000)]))
+        self.assertIn("listing", self.fail_with(1, "get", "s3://bucket/k", "out", env=env))
+        self.assertEqual(self.files(), [])
 
     def test_an_archived_object_is_not_taken_for_empty(self):
         env = self.serve(lambda request: request.refuse(403, "InvalidObjectState"))
@@ -391,15 +280,15 @@ class Scripted(Case):
 class Help(Case):
     def test_help_names_commands_options_variables_and_exit_codes(self):
         text = self.succeed("--help")
-        for part in ("put FILE", "get s3://", "mb s3://", "rm s3://", "--endpoint",
-                     "MIRQOS_SECRET_KEY", "Exit codes", "Example"):
+        for part in tuple("\n  %s " % command for command in COMMANDS) + (
+                "--endpoint", "MIRQOS_SECRET_KEY", "Exit codes", "JSON", "Example"):
             self.assertIn(part, text)
         self.assertLessEqual(max(len(line) for line in text.split("\n")), 80)
         self.assertEqual(self.succeed("help"), text)
         self.assertEqual(self.succeed("-h"), text)
 
     def test_every_command_explains_itself(self):
-        for command in ("put", "get", "mb", "rm"):
+        for command in COMMANDS:
             text = self.succeed("help", command)
             self.assertIn("Usage: mirqos " + command, text)
             self.assertIn("Example", text)
@@ -410,15 +299,5 @@ class Help(Case):
         self.assertRegex(self.succeed("--version"), r"^mirqos \d+\.\d+\.\d+\n$")
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n", 1)[0])
-    parser.add_argument("--runner")
-    parser.add_argument("program")
-    options, rest = parser.parse_known_args()
-    COMMAND.extend(([options.runner] if options.runner else []) +
-                   [os.path.abspath(options.program)])
-    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    run(__doc__)

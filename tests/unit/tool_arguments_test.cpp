@@ -14,7 +14,7 @@ const std::vector<Option>& SomeOptions() {
     static const std::vector<Option> options = {{"secret", "TEXT", "", ""},
                                                 {"number", "N", "", ""},
                                                 {"quiet", "", "", ""},
-                                                {"help", "", "", ""}};
+                                                {"help", "", "", "", 'h'}};
     return options;
 }
 
@@ -40,6 +40,14 @@ TEST(ToolArguments, OptionsMayStandAnywhere) {
     EXPECT_EQ(arguments.Value("secret"), "x=y");
     EXPECT_FALSE(arguments.Has("help"));
     EXPECT_FALSE(arguments.Value("help"));
+}
+
+TEST(ToolArguments, OfOptionsWithTheSameLetterTheFirstHasIt) {
+    const Arguments arguments({"-h"}, {{"human-readable", "", "", "", 'h'}, SomeOptions().back()});
+    EXPECT_TRUE(arguments.Has("human-readable"));
+    EXPECT_FALSE(arguments.Has("help"));
+    EXPECT_NE(UsageMessage({"-q"}), "");
+    EXPECT_NE(UsageMessage({"-hh"}), "");
 }
 
 TEST(ToolArguments, AValueMayBeginWithADashOrBeEmpty) {

@@ -49,6 +49,14 @@ TEST(ToolObjectUrl, AnObjectNeedsAKeyAndABucketHasNone) {
     EXPECT_NE(UsageMessage([] { ParseBucketUrl("s3://b/k"); }), "");
 }
 
+TEST(ToolObjectUrl, APrefixMayBeEmptyButHasTheLimitsOfAKey) {
+    EXPECT_EQ(ParsePrefixUrl("s3://b").key, "");
+    EXPECT_EQ(ParsePrefixUrl("s3://b/").key, "");
+    EXPECT_EQ(ParsePrefixUrl("s3://b/a/").key, "a/");
+    EXPECT_NE(UsageMessage([] { ParsePrefixUrl("s3://b/" + std::string(1025, 'k')); }), "");
+    EXPECT_NE(UsageMessage([] { ParsePrefixUrl("s3://b/\xFF"); }), "");
+}
+
 TEST(ToolObjectUrl, OtherFormsAreUsageErrors) {
     for (const char* const wrong :
          {"", "s3:/b/k", "S3://b/k", "http://b/k", "b/k", "s3://", "s3:///k", "s3://../k",

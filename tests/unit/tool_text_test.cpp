@@ -76,5 +76,18 @@ TEST(ToolText, ControlCharactersNeverReachTheTerminal) {
     EXPECT_EQ(Printable("x\xFFy"), "x?y");
 }
 
+TEST(ToolText, ForeignBytesAreEscapedSoThatItCanBeUndone) {
+    EXPECT_EQ(EscapeForeignBytes("a\xFF"
+                                 "b\\xFF\xC3\xA4"),
+              "a\\xFFb\\\\xFF\xC3\xA4");
+    EXPECT_EQ(EscapeForeignBytes("\xE2\x82"), "\\xE2\\x82");
+    EXPECT_EQ(EscapeForeignBytes(""), "");
+}
+
+TEST(ToolText, PaddingNeverCuts) {
+    EXPECT_EQ(PadLeft("12", 4), "  12");
+    EXPECT_EQ(PadLeft("12345", 4), "12345");
+}
+
 }  // namespace
 }  // namespace Mirqos::Tool

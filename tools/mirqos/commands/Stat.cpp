@@ -45,7 +45,7 @@ void Run(const Invocation& invocation) {
 Command StatCommand() {
     return {"stat",
             "s3://BUCKET/KEY",
-            "tell whether an object exists, and its size",
+            "tell whether it exists, and its size",
             "Asks the service for the object and its bucket's listing for the size, which is\n"
             "unknown where the credentials may not list. The exit code tells as well: 0 it\n"
             "exists, 4 it does not, 1 the service could not be asked.\n"

@@ -84,7 +84,7 @@ void Run(const Invocation& invocation) {
 Command UploadsCommand() {
     return {"uploads",
             "s3://BUCKET[/PREFIX]",
-            "list uploads in parts that are not finished",
+            "list unfinished uploads in parts",
             "Lists the uploads in parts that were begun and neither finished nor given up, of\n"
             "keys that begin with PREFIX: upload id and key. Their parts take up room that is\n"
             "paid for; see lifecycle.\n"
