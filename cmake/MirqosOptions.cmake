@@ -41,5 +41,5 @@ if(MIRQOS_SANITIZE)
   add_compile_options(-fsanitize=${MIRQOS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
   add_link_options(-fsanitize=${MIRQOS_SANITIZE})
   # GCC's sanitizer code hides initialisations from this warning; other builds keep it.
-  target_compile_options(mirqos_flags INTERFACE -Wno-maybe-uninitialized)
+  target_compile_options(mirqos_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
