@@ -2,6 +2,7 @@
 
 #include "sdk/core/client/Text.h"
 #include "sdk/core/client/WireRequest.h"
+#include "sdk/core/util/UrlEncode.h"
 #include "sdk/core/xml/Xml.h"
 
 /// What most descriptions of requests begin with.
@@ -20,6 +21,11 @@ Client::WireRequest ForObject(const char* method, const Request& request) {
     Client::WireRequest wire = ForBucket(method, request);
     wire.key = ToStd(request.GetKey());
     return wire;
+}
+
+/// The source of a copy, BUCKET/KEY in plain text: the header carries it percent-encoded.
+inline void AddCopySource(Client::WireRequest& wire, const Aws::String& source) {
+    wire.headers.emplace_back("x-amz-copy-source", EncodePath(ToStd(source)));
 }
 
 /// The answer is a document with this root.

@@ -1,6 +1,10 @@
 #include <aws/core/utils/threading/Executor.h>
 #include <aws/s3/S3Client.h>
+#include <aws/s3/model/AbortMultipartUploadRequest.h>
+#include <aws/s3/model/CompleteMultipartUploadRequest.h>
+#include <aws/s3/model/CopyObjectRequest.h>
 #include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/CreateMultipartUploadRequest.h>
 #include <aws/s3/model/DeleteBucketRequest.h>
 #include <aws/s3/model/DeleteObjectRequest.h>
 #include <aws/s3/model/DeleteObjectsRequest.h>
@@ -15,6 +19,8 @@
 #include <aws/s3/model/PutBucketLifecycleConfigurationRequest.h>
 #include <aws/s3/model/PutObjectRequest.h>
 #include <aws/s3/model/PutObjectTaggingRequest.h>
+#include <aws/s3/model/UploadPartCopyRequest.h>
+#include <aws/s3/model/UploadPartRequest.h>
 
 #include <exception>
 #include <type_traits>
@@ -123,6 +129,40 @@ void S3Client::Submit(const Request& request,
 
 // Each operation: what it is called with, and the outcome that says what becomes of the answer.
 
+Model::AbortMultipartUploadOutcome S3Client::AbortMultipartUpload(
+    const Model::AbortMultipartUploadRequest& request) const {
+    return m_impl->Call<Model::AbortMultipartUploadOutcome>(request);
+}
+
+void S3Client::AbortMultipartUploadAsync(
+    const Model::AbortMultipartUploadRequest& request,
+    const AbortMultipartUploadResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::AbortMultipartUploadOutcome>(request, handler, context);
+}
+
+Model::CompleteMultipartUploadOutcome S3Client::CompleteMultipartUpload(
+    const Model::CompleteMultipartUploadRequest& request) const {
+    return m_impl->Call<Model::CompleteMultipartUploadOutcome>(request);
+}
+
+void S3Client::CompleteMultipartUploadAsync(
+    const Model::CompleteMultipartUploadRequest& request,
+    const CompleteMultipartUploadResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::CompleteMultipartUploadOutcome>(request, handler, context);
+}
+
+Model::CopyObjectOutcome S3Client::CopyObject(const Model::CopyObjectRequest& request) const {
+    return m_impl->Call<Model::CopyObjectOutcome>(request);
+}
+
+void S3Client::CopyObjectAsync(
+    const Model::CopyObjectRequest& request, const CopyObjectResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::CopyObjectOutcome>(request, handler, context);
+}
+
 Model::CreateBucketOutcome S3Client::CreateBucket(const Model::CreateBucketRequest& request) const {
     return m_impl->Call<Model::CreateBucketOutcome>(request);
 }
@@ -131,6 +171,18 @@ void S3Client::CreateBucketAsync(
     const Model::CreateBucketRequest& request, const CreateBucketResponseReceivedHandler& handler,
     const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
     Submit<Model::CreateBucketOutcome>(request, handler, context);
+}
+
+Model::CreateMultipartUploadOutcome S3Client::CreateMultipartUpload(
+    const Model::CreateMultipartUploadRequest& request) const {
+    return m_impl->Call<Model::CreateMultipartUploadOutcome>(request);
+}
+
+void S3Client::CreateMultipartUploadAsync(
+    const Model::CreateMultipartUploadRequest& request,
+    const CreateMultipartUploadResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::CreateMultipartUploadOutcome>(request, handler, context);
 }
 
 Model::DeleteBucketOutcome S3Client::DeleteBucket(const Model::DeleteBucketRequest& request) const {
@@ -277,6 +329,28 @@ void S3Client::PutObjectTaggingAsync(
     const PutObjectTaggingResponseReceivedHandler& handler,
     const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
     Submit<Model::PutObjectTaggingOutcome>(request, handler, context);
+}
+
+Model::UploadPartOutcome S3Client::UploadPart(const Model::UploadPartRequest& request) const {
+    return m_impl->Call<Model::UploadPartOutcome>(request);
+}
+
+void S3Client::UploadPartAsync(
+    const Model::UploadPartRequest& request, const UploadPartResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::UploadPartOutcome>(request, handler, context);
+}
+
+Model::UploadPartCopyOutcome S3Client::UploadPartCopy(
+    const Model::UploadPartCopyRequest& request) const {
+    return m_impl->Call<Model::UploadPartCopyOutcome>(request);
+}
+
+void S3Client::UploadPartCopyAsync(
+    const Model::UploadPartCopyRequest& request,
+    const UploadPartCopyResponseReceivedHandler& handler,
+    const std::shared_ptr<const Client::AsyncCallerContext>& context) const {
+    Submit<Model::UploadPartCopyOutcome>(request, handler, context);
 }
 
 }  // namespace Aws::S3

@@ -7,7 +7,10 @@
 #include <aws/core/client/ClientConfiguration.h>
 #include <aws/core/utils/Outcome.h>
 #include <aws/s3/S3Errors.h>
+#include <aws/s3/model/CompleteMultipartUploadResult.h>
+#include <aws/s3/model/CopyObjectResult.h>
 #include <aws/s3/model/CreateBucketResult.h>
+#include <aws/s3/model/CreateMultipartUploadResult.h>
 #include <aws/s3/model/DeleteObjectResult.h>
 #include <aws/s3/model/DeleteObjectsResult.h>
 #include <aws/s3/model/GetBucketLocationResult.h>
@@ -19,6 +22,8 @@
 #include <aws/s3/model/ListObjectsV2Result.h>
 #include <aws/s3/model/PutObjectResult.h>
 #include <aws/s3/model/PutObjectTaggingResult.h>
+#include <aws/s3/model/UploadPartCopyResult.h>
+#include <aws/s3/model/UploadPartResult.h>
 
 #include <functional>
 #include <memory>
@@ -32,7 +37,11 @@ class S3Client;
 
 namespace Model {
 
+class AbortMultipartUploadRequest;
+class CompleteMultipartUploadRequest;
+class CopyObjectRequest;
 class CreateBucketRequest;
+class CreateMultipartUploadRequest;
 class DeleteBucketRequest;
 class DeleteObjectRequest;
 class DeleteObjectsRequest;
@@ -46,8 +55,14 @@ class ListObjectsV2Request;
 class PutBucketLifecycleConfigurationRequest;
 class PutObjectRequest;
 class PutObjectTaggingRequest;
+class UploadPartRequest;
+class UploadPartCopyRequest;
 
+using AbortMultipartUploadOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
+using CompleteMultipartUploadOutcome = Aws::Utils::Outcome<CompleteMultipartUploadResult, S3Error>;
+using CopyObjectOutcome = Aws::Utils::Outcome<CopyObjectResult, S3Error>;
 using CreateBucketOutcome = Aws::Utils::Outcome<CreateBucketResult, S3Error>;
+using CreateMultipartUploadOutcome = Aws::Utils::Outcome<CreateMultipartUploadResult, S3Error>;
 using DeleteBucketOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
 using DeleteObjectOutcome = Aws::Utils::Outcome<DeleteObjectResult, S3Error>;
 using DeleteObjectsOutcome = Aws::Utils::Outcome<DeleteObjectsResult, S3Error>;
@@ -62,6 +77,8 @@ using ListObjectsV2Outcome = Aws::Utils::Outcome<ListObjectsV2Result, S3Error>;
 using PutBucketLifecycleConfigurationOutcome = Aws::Utils::Outcome<Aws::NoResult, S3Error>;
 using PutObjectOutcome = Aws::Utils::Outcome<PutObjectResult, S3Error>;
 using PutObjectTaggingOutcome = Aws::Utils::Outcome<PutObjectTaggingResult, S3Error>;
+using UploadPartOutcome = Aws::Utils::Outcome<UploadPartResult, S3Error>;
+using UploadPartCopyOutcome = Aws::Utils::Outcome<UploadPartCopyResult, S3Error>;
 
 }  // namespace Model
 
@@ -72,8 +89,18 @@ using ResponseReceivedHandler =
     std::function<void(const S3Client*, const Request&, const Outcome&,
                        const std::shared_ptr<const Aws::Client::AsyncCallerContext>&)>;
 
+using AbortMultipartUploadResponseReceivedHandler =
+    ResponseReceivedHandler<Model::AbortMultipartUploadRequest, Model::AbortMultipartUploadOutcome>;
+using CompleteMultipartUploadResponseReceivedHandler =
+    ResponseReceivedHandler<Model::CompleteMultipartUploadRequest,
+                            Model::CompleteMultipartUploadOutcome>;
+using CopyObjectResponseReceivedHandler =
+    ResponseReceivedHandler<Model::CopyObjectRequest, Model::CopyObjectOutcome>;
 using CreateBucketResponseReceivedHandler =
     ResponseReceivedHandler<Model::CreateBucketRequest, Model::CreateBucketOutcome>;
+using CreateMultipartUploadResponseReceivedHandler =
+    ResponseReceivedHandler<Model::CreateMultipartUploadRequest,
+                            Model::CreateMultipartUploadOutcome>;
 using DeleteBucketResponseReceivedHandler =
     ResponseReceivedHandler<Model::DeleteBucketRequest, Model::DeleteBucketOutcome>;
 using DeleteObjectResponseReceivedHandler =
@@ -101,6 +128,10 @@ using PutObjectResponseReceivedHandler =
     ResponseReceivedHandler<Model::PutObjectRequest, Model::PutObjectOutcome>;
 using PutObjectTaggingResponseReceivedHandler =
     ResponseReceivedHandler<Model::PutObjectTaggingRequest, Model::PutObjectTaggingOutcome>;
+using UploadPartResponseReceivedHandler =
+    ResponseReceivedHandler<Model::UploadPartRequest, Model::UploadPartOutcome>;
+using UploadPartCopyResponseReceivedHandler =
+    ResponseReceivedHandler<Model::UploadPartCopyRequest, Model::UploadPartCopyOutcome>;
 
 /// A client of one account and one service address. Every call may run on any number of threads at
 /// once; failures are outcomes, never exceptions (but std::bad_alloc and those of response stream
@@ -130,11 +161,37 @@ public:
     S3Client(const S3Client&) = delete;
     S3Client& operator=(const S3Client&) = delete;
 
+    virtual Model::AbortMultipartUploadOutcome AbortMultipartUpload(
+        const Model::AbortMultipartUploadRequest& request) const;
+    virtual void AbortMultipartUploadAsync(
+        const Model::AbortMultipartUploadRequest& request,
+        const AbortMultipartUploadResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::CompleteMultipartUploadOutcome CompleteMultipartUpload(
+        const Model::CompleteMultipartUploadRequest& request) const;
+    virtual void CompleteMultipartUploadAsync(
+        const Model::CompleteMultipartUploadRequest& request,
+        const CompleteMultipartUploadResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::CopyObjectOutcome CopyObject(const Model::CopyObjectRequest& request) const;
+    virtual void CopyObjectAsync(
+        const Model::CopyObjectRequest& request, const CopyObjectResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
     virtual Model::CreateBucketOutcome CreateBucket(
         const Model::CreateBucketRequest& request) const;
     virtual void CreateBucketAsync(
         const Model::CreateBucketRequest& request,
         const CreateBucketResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::CreateMultipartUploadOutcome CreateMultipartUpload(
+        const Model::CreateMultipartUploadRequest& request) const;
+    virtual void CreateMultipartUploadAsync(
+        const Model::CreateMultipartUploadRequest& request,
+        const CreateMultipartUploadResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
     virtual Model::DeleteBucketOutcome DeleteBucket(
@@ -220,6 +277,18 @@ public:
     virtual void PutObjectTaggingAsync(
         const Model::PutObjectTaggingRequest& request,
         const PutObjectTaggingResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::UploadPartOutcome UploadPart(const Model::UploadPartRequest& request) const;
+    virtual void UploadPartAsync(
+        const Model::UploadPartRequest& request, const UploadPartResponseReceivedHandler& handler,
+        const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
+
+    virtual Model::UploadPartCopyOutcome UploadPartCopy(
+        const Model::UploadPartCopyRequest& request) const;
+    virtual void UploadPartCopyAsync(
+        const Model::UploadPartCopyRequest& request,
+        const UploadPartCopyResponseReceivedHandler& handler,
         const std::shared_ptr<const Aws::Client::AsyncCallerContext>& context = nullptr) const;
 
 private:
