@@ -73,6 +73,25 @@ private:
     int32_t DeleteInOneRequest(CloudStoreDeleteObjectsContextV2* pContext);
     int32_t DeleteOneByOne(CloudStoreDeleteObjectsContextV2* pContext);
 
+    /// The state of an upload that is open in this store, or null.
+    std::shared_ptr<MultiPartUploadState> FindUpload(const char* pszUploadId);
+    void ForgetUpload(const char* pszUploadId);
+    /// Writes the line about an upload id that is not open here; returns the status that says so.
+    static int32_t UnknownUpload(const char* pszOperation);
+    Aws::S3::Model::UploadPartRequest PartRequest(
+        const CloudStoreMultiPartUploadContext& context) const;
+    /// Joins the recorded parts on the service, with the log lines of a failure.
+    int32_t CompleteUpload(const CloudStoreFinishMultiPartUploadContext& context,
+                           MultiPartUploadState& state);
+    /// What each asynchronous call brings back, on a thread of the executor. Neither throws.
+    void HandleUploadPartAsync(const Aws::S3::Model::UploadPartRequest& request,
+                               const Aws::S3::Model::UploadPartOutcome& outcome);
+    struct TransferHandleAsyncContext;
+    void HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& request,
+                             const Aws::S3::Model::GetObjectOutcome& outcome,
+                             const TransferHandleAsyncContext& transfer);
+    friend struct StoreTestAccess;
+
     // Raw on purpose: a second Init replaces the client and leaves the earlier one running, since
     // requests of it may still be in progress.
     Aws::S3::S3Client* m_pClient = nullptr;
@@ -84,10 +103,11 @@ private:
     int32_t m_bUseHttps = 1;
     int32_t m_nProviderType = 0;
     CloudStoreConfigInfo m_ConfigInfo;
-    // Raw on purpose: the state of an upload that was never finished outlives the store.
-    std::unordered_map<std::string, MultiPartUploadState*> m_mapUploads;
+    // Open uploads by their id, guarded by m_mtxStore like m_pReadStatus. A state holds itself
+    // while its upload is open, so that of an upload never finished outlives the store.
+    std::unordered_map<std::string, std::shared_ptr<MultiPartUploadState>> m_mapUploads;
     std::mutex m_mtxStore;
-    AsyncReadStatus* m_pReadStatus = nullptr;
+    std::shared_ptr<AsyncReadStatus> m_pReadStatus;
     int32_t m_nBufferSize = 0;
     std::unique_ptr<Aws::Utils::Array<unsigned char>> m_pWorkBuffer;
     std::atomic<uint64_t> m_nRequestCount{0};
