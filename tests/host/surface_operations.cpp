@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::int32_t kNotSupported = 50;
+constexpr std::int32_t kUnknownUpload = -1;
 constexpr std::int32_t kAccessDenied = 15;  // the SDK's number for a 403
 
 // GCC's C++ ABI puts two destructors before the first operation, MSVC's puts one; the build says
@@ -91,12 +92,31 @@ public:
         }
     }
 
-    /// An operation that sends nothing.
+    /// The two operations of an asynchronous read, which the server refuses.
+    void AsyncRead(CloudStoreReadObjectContext* read) {
+        for (const bool place : {false, true}) {
+            const std::string what = place ? "asynchronous read by place" : "asynchronous read";
+            const std::uint64_t count = m_store->GetRequestCount();
+            m_checks.ExpectEqual(place ? CallByPlace<std::int32_t>(m_store, 8, read)
+                                       : m_store->ReadObjectAsync(read),
+                                 0, what + ", start");
+            m_checks.ExpectEqual(place ? CallByPlace<std::int32_t>(m_store, 9, read)
+                                       : m_store->WaitForReadObjectAsync(read),
+                                 kAccessDenied, what + ", wait");
+            const std::vector<std::string> requests = m_server.TakeRequests();
+            m_checks.ExpectEqual(requests.size(), 1u, what + ", requests");
+            m_checks.ExpectEqual(requests.empty() ? "" : requests[0], "GET /host-bucket/host-key",
+                                 what);
+            m_checks.ExpectEqual(m_store->GetRequestCount(), count + 1, what + ", request count");
+        }
+    }
+
+    /// An operation that sends nothing. Some count a request that they then refuse themselves.
     template <class... Parameters>
     void Silent(const char* name, int number,
                 std::int32_t (MIRQOSInterface::*byName)(Parameters...), std::int32_t status,
-                typename Same<Parameters>::type... arguments) {
-        const std::uint64_t count = m_store->GetRequestCount();
+                std::uint64_t counted, typename Same<Parameters>::type... arguments) {
+        const std::uint64_t count = m_store->GetRequestCount() + 2 * counted;
         m_checks.ExpectEqual((m_store->*byName)(arguments...), status, name);
         m_checks.ExpectEqual(CallByPlace<std::int32_t>(m_store, number, arguments...), status,
                              std::string(name) + " by place");
@@ -110,7 +130,7 @@ public:
     void NotSupported(const char* name, int number,
                       std::int32_t (MIRQOSInterface::*byName)(Parameters...),
                       typename Same<Parameters>::type... arguments) {
-        Silent(name, number, byName, kNotSupported, arguments...);
+        Silent(name, number, byName, kNotSupported, 0, arguments...);
     }
 
 private:
@@ -142,8 +162,7 @@ void CheckObjects(Session& session) {
     read.m_nRangeEnd = sizeof buffer - 1;
     session.Refused({"GET /host-bucket/host-key", kAccessDenied, 1}, "ReadObject", 7,
                     &I::ReadObject, &read);
-    session.NotSupported("ReadObjectAsync", 8, &I::ReadObjectAsync, &read);
-    session.NotSupported("WaitForReadObjectAsync", 9, &I::WaitForReadObjectAsync, &read);
+    session.AsyncRead(&read);
 
     CloudStoreCopyObjectContext copy;
     copy.m_pszSrcBucket = copy.m_pszDstBucket = "host-bucket";
@@ -158,7 +177,7 @@ void CheckObjects(Session& session) {
                     &I::ListObjects, &listing);
     session.Refused({"GET /host-bucket?list-type=2", kAccessDenied, 1}, "ListObjectsSegmented", 12,
                     &I::ListObjectsSegmented, &listing);
-    session.Silent("ReleaseObjectData", 13, &I::ReleaseObjectData, 0, &listing);
+    session.Silent("ReleaseObjectData", 13, &I::ReleaseObjectData, 0, 0, &listing);
 
     CloudStoreDeleteObjectContext deletion;
     deletion.m_pszBucket = "host-bucket";
@@ -240,7 +259,8 @@ void CheckUploads(Session& session) {
     init.m_pszBucket = "host-bucket";
     init.m_pszKey = "host-key";
     CloudStoreInitMultiPartUploadOutcome outcome;
-    session.NotSupported("InitMultiPartUpload", 28, &I::InitMultiPartUpload, &init, &outcome);
+    session.Refused({"POST /host-bucket/host-key?uploads", kAccessDenied, 1}, "InitMultiPartUpload",
+                    28, &I::InitMultiPartUpload, &init, &outcome);
 
     CloudStoreMultiPartUploadContext part;
     part.m_pszBucket = "host-bucket";
@@ -250,7 +270,7 @@ void CheckUploads(Session& session) {
     part.m_pBuf = kBytes;
     part.m_nBufLen = sizeof kBytes;
     part.m_bLastPart = true;
-    session.NotSupported("MultiPartUpload", 29, &I::MultiPartUpload, &part);
+    session.Silent("MultiPartUpload", 29, &I::MultiPartUpload, kUnknownUpload, 1, &part);
 
     CloudStoreMultiPartCopyContext copy;
     copy.m_pszBucket = "host-bucket";
@@ -260,22 +280,26 @@ void CheckUploads(Session& session) {
     copy.m_nRangeStart = 0;
     copy.m_nRangeEnd = 2;
     copy.m_nPartNumber = 1;
-    session.NotSupported("MultiPartCopy", 30, &I::MultiPartCopy, &copy);
+    session.Silent("MultiPartCopy", 30, &I::MultiPartCopy, kUnknownUpload, 1, &copy);
 
     CloudStoreFinishMultiPartUploadContext finish;
     finish.m_pszBucket = "host-bucket";
     finish.m_pszKey = "host-key";
     finish.m_pszUploadId = "host-upload";
     finish.m_nPartCount = 1;
-    session.NotSupported("FinishMultiPartUpload", 31, &I::FinishMultiPartUpload, &finish);
-    session.NotSupported("DoMultiPartUploadAsync", 32, &I::DoMultiPartUploadAsync, &part);
-    session.NotSupported("FinishMultiPartUploadAsync", 33, &I::FinishMultiPartUploadAsync, &finish);
+    session.Silent("FinishMultiPartUpload", 31, &I::FinishMultiPartUpload, kUnknownUpload, 1,
+                   &finish);
+    session.Silent("DoMultiPartUploadAsync", 32, &I::DoMultiPartUploadAsync, kUnknownUpload, 1,
+                   &part);
+    session.Silent("FinishMultiPartUploadAsync", 33, &I::FinishMultiPartUploadAsync, kUnknownUpload,
+                   1, &finish);
 
     CloudStoreAbortMultiPartUploadContext abort;
     abort.m_pszBucket = "host-bucket";
     abort.m_pszKey = "host-key";
     abort.m_pszUploadId = "host-upload";
-    session.NotSupported("AbortMultiPartUpload", 34, &I::AbortMultiPartUpload, &abort);
+    session.Refused({"DELETE /host-bucket/host-key?uploadId=host-upload", kAccessDenied, 1},
+                    "AbortMultiPartUpload", 34, &I::AbortMultiPartUpload, &abort);
 }
 
 // The deleting destructor is the last of the destructor entries. MSVC's takes a flag that says to

@@ -1,0 +1,317 @@
+#include <atomic>
+#include <thread>
+
+#include "tests/support/Gate.h"
+#include "tests/support/StoreTestAccess.h"
+#include "tests/wire/WireTest.h"
+
+namespace Mirqos::Test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr char kUntouched = '\xA5';
+
+class AsyncRead : public WireTest {
+protected:
+    /// A read into a buffer of its own; the buffer has to outlive the batch's wait.
+    struct OneRead {
+        explicit OneRead(std::uint64_t start, std::uint64_t length, const char* aKey = "k")
+            : buffer(static_cast<std::size_t>(length) + 4, kUntouched) {
+            context.m_pszBucket = kBucket;
+            context.m_pszKey = aKey;
+            context.m_pBuf = reinterpret_cast<unsigned char*>(buffer.data());
+            context.m_nReadLen = length;
+            context.m_nReadSize = 0;
+            context.m_nRangeStart = start;
+            context.m_nRangeEnd = start + length - 1;
+        }
+        bool Untouched() const { return buffer == std::string(buffer.size(), kUntouched); }
+        std::string buffer;
+        CloudStoreReadObjectContext context;
+    };
+
+    std::unique_ptr<AwsS3Store> StoreWithThreads(std::int32_t threads) {
+        Setup setup;
+        setup.threads = threads;
+        return MakeStore(setup);
+    }
+    static Answer Bytes(const std::string& body) { return Answer::Status(206).Body(body); }
+    /// Answers every read with the numbers of its bytes, modulo 10.
+    void ServeDigits(const char* key = "k") {
+        m_server.On("GET", std::string("/the-bucket/") + key)
+            .Call([](const RecordedRequest& request) {
+                const std::string range = request.Value("range");
+                const auto dash = range.find('-');
+                const auto first = std::stoull(range.substr(6, dash - 6));
+                const auto last = std::stoull(range.substr(dash + 1));
+                return Bytes(Digits(first, last - first + 1));
+            });
+    }
+    static std::string Digits(std::uint64_t first, std::uint64_t count) {
+        std::string text;
+        for (std::uint64_t i = first; i < first + count; ++i) {
+            text += static_cast<char>('0' + i % 10);
+        }
+        return text;
+    }
+    static std::string Filled(const std::string& text) { return text + std::string(4, kUntouched); }
+};
+
+TEST_F(AsyncRead, ThreeReadsFillTheirOwnBuffers) {
+    ServeDigits();
+    const auto store = StoreWithThreads(2);
+    OneRead reads[] = {OneRead(0, 10), OneRead(13, 7), OneRead(100, 1)};
+    for (OneRead& read : reads) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&reads[0].context), 0);
+    EXPECT_EQ(reads[0].buffer, Filled("0123456789"));
+    EXPECT_EQ(reads[1].buffer, Filled("3456789"));
+    EXPECT_EQ(reads[2].buffer, Filled("0"));
+    EXPECT_EQ(store->GetRequestCount(), 3u);
+}
+
+TEST_F(AsyncRead, SendsExactlyThisRequestAndWritesTheseLines) {
+    m_server.Next(Bytes("abc"));
+    const auto store = StoreWithThreads(1);
+    m_log.Clear();
+    OneRead read(5, 3, "a folder/k");
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    const RecordedRequest request = OnlyRequest();
+    EXPECT_EQ(request.method, "GET");
+    EXPECT_EQ(request.target, "/the-bucket/a%20folder/k");
+    EXPECT_EQ(request.Value("range"), "bytes=5-7");
+    EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
+    const auto lines = Lines();
+    for (const char* line :
+         {"AwsS3Store::ReadObjectAsync enter.",
+          "AwsS3Store::ReadObjectAsync Leave. GetRange = [bytes=5-7], read len = [3]",
+          "AwsS3Store::ReadObjectAsync lambda enter.", "[AwsS3Store::HandleAsyncReadFunc]. enter.",
+          "[AwsS3Store::HandleAsyncReadFunc]. enter. Key: a folder/k Context_Start = 5",
+          "[AwsS3Store::HandleAsyncReadFunc]. leave. Total Request= 1 , complete = 1, EC = 0",
+          "AwsS3Store::WaitForReadObjectAsync enter. key = [a folder/k], read len = [3]"}) {
+        EXPECT_THAT(lines, Contains(line));
+    }
+    const std::string copied =
+        "[AwsS3Store::HandleAsyncReadFunc]. pBuf:[" +
+        std::to_string(reinterpret_cast<std::intptr_t>(read.context.m_pBuf)) +
+        "] len:[3] contentLen:[3] availSize=[3].";
+    EXPECT_THAT(lines, Contains(copied));
+}
+
+TEST_F(AsyncRead, NothingToReadSendsNothingAndMakesNoBatch) {
+    const auto store = StoreWithThreads(1);
+    m_log.Clear();
+    OneRead inverted(10, 5);
+    inverted.context.m_nRangeEnd = 9;
+    OneRead empty(10, 5);
+    empty.context.m_nReadLen = 0;
+    OneRead negative(0, 5);
+    negative.context.m_nRangeEnd = ~std::uint64_t{0};  // -1 where ranges are compared
+    for (OneRead* read : {&inverted, &empty, &negative}) {
+        EXPECT_EQ(store->ReadObjectAsync(&read->context), 0);
+    }
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+    EXPECT_EQ(store->GetRequestCount(), 0u);
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::ReadObjectAsync leave. nothing to read."), 3u);
+    m_log.Clear();
+    EXPECT_EQ(store->WaitForReadObjectAsync(&empty.context), -1) << "there is no batch";
+    EXPECT_THAT(Lines(),
+                ElementsAre("AwsS3Store::WaitForReadObjectAsync enter. key = [k], read len = [0]",
+                            "AwsS3Store::WaitForReadObjectAsync unknown error. m_pReadStatus is "
+                            "null. key = [k], read len = [0]"));
+}
+
+TEST_F(AsyncRead, AFailureAfterSuccessesIsTheResult) {
+    const auto store = StoreWithThreads(1);
+    ServeDigits("good");
+    m_server.On("GET", "/the-bucket/missing").Always(Answer::S3Error(404, "NoSuchKey", "No"));
+    OneRead good(0, 5, "good");
+    OneRead missing(0, 5, "missing");
+    EXPECT_EQ(store->ReadObjectAsync(&good.context), 0);
+    EXPECT_EQ(store->ReadObjectAsync(&missing.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&good.context),
+              StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY));
+    EXPECT_EQ(good.buffer, Filled("01234"));
+    EXPECT_TRUE(missing.Untouched());
+}
+
+TEST_F(AsyncRead, ASuccessAfterAFailureDeliversNothingAndTheFailureStays) {
+    const auto store = StoreWithThreads(1);
+    ServeDigits("good");
+    m_server.On("GET", "/the-bucket/missing").Always(Answer::S3Error(404, "NoSuchKey", "No"));
+    OneRead missing(0, 5, "missing");
+    OneRead good(0, 5, "good");
+    EXPECT_EQ(store->ReadObjectAsync(&missing.context), 0);
+    EXPECT_EQ(store->ReadObjectAsync(&good.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&good.context),
+              StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY));
+    EXPECT_TRUE(good.Untouched());
+}
+
+TEST_F(AsyncRead, ANextBatchStartsClean) {
+    const auto store = StoreWithThreads(1);
+    ServeDigits("good");
+    m_server.On("GET", "/the-bucket/missing").Always(Answer::S3Error(404, "NoSuchKey", "No"));
+    OneRead missing(0, 5, "missing");
+    EXPECT_EQ(store->ReadObjectAsync(&missing.context), 0);
+    EXPECT_NE(store->WaitForReadObjectAsync(&missing.context), 0);
+    OneRead good(0, 5, "good");
+    EXPECT_EQ(store->ReadObjectAsync(&good.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&good.context), 0);
+    EXPECT_EQ(good.buffer, Filled("01234"));
+}
+
+TEST_F(AsyncRead, AWaitAfterAllAnswersDoesNotBlock) {
+    const auto store = StoreWithThreads(1);
+    ServeDigits();
+    OneRead read(0, 5);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    while (m_log.CountContaining("leave. Total Request= 1 , complete = 1, EC = 0") == 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::WaitForReadObjectAsync no need wait."), 1u);
+}
+
+TEST_F(AsyncRead, AWaitBeforeTheAnswersIsWokenByTheLast) {
+    const auto store = StoreWithThreads(2);
+    Gate gate;
+    m_server.On("GET", "").Always(Bytes("01234").Wait(Place::AnswerByte(0), gate));
+    OneRead reads[] = {OneRead(0, 5), OneRead(5, 5)};
+    for (OneRead& read : reads) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    std::int32_t result = -2;
+    std::thread host([&] { result = store->WaitForReadObjectAsync(&reads[0].context); });
+    while (m_log.CountContaining("cv wait start. total = [2] complete count = [0]") == 0) {
+        std::this_thread::yield();
+    }
+    gate.Open();
+    host.join();
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(m_log.CountContaining("notify_one start."), 1u);
+    EXPECT_EQ(m_log.CountContaining("notify_one end."), 1u);
+    EXPECT_EQ(m_log.CountContaining("cv wait end. total = [2] complete count = [2]"), 1u);
+}
+
+TEST_F(AsyncRead, AShortAnswerDeliversOnlyWhatTheServiceSent) {
+    m_server.Next(Bytes("abc"));
+    const auto store = StoreWithThreads(1);
+    OneRead read(0, 10);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(read.buffer, "abc" + std::string(11, kUntouched));
+}
+
+TEST_F(AsyncRead, ALongAnswerIsBoundedByTheLengthAskedFor) {
+    m_server.Next(Answer::Status(200).Body(std::string(100000, 'x')));
+    const auto store = StoreWithThreads(1);
+    OneRead read(0, 10);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(read.buffer, Filled(std::string(10, 'x')));
+}
+
+TEST_F(AsyncRead, ABodyThatBreaksOffIsFetchedAgainWhole) {
+    m_server.Next(Bytes("0123456789").Reset(Place::BodyByte(4)));
+    m_server.Next(Bytes("0123456789"));
+    const auto store = StoreWithThreads(1);
+    OneRead read(0, 10);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(read.buffer, Filled("0123456789"));
+    EXPECT_EQ(m_server.Faults(Fault::reset), 1);
+}
+
+TEST_F(AsyncRead, WithoutABufferTheReadIsAFailureAndSaysSo) {
+    ServeDigits();
+    const auto store = StoreWithThreads(1);
+    OneRead read(5, 5);
+    read.context.m_pBuf = nullptr;
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), -1);
+    EXPECT_THAT(Lines(), Contains("[AwsS3Store::HandleAsyncReadFunc]. unknown error: "
+                                  "oReadContext.m_pBuf is null. Key: k Context_Start = 5"));
+}
+
+TEST_F(AsyncRead, TwoHundredReadsInOneBatchAllArrive) {
+    ServeDigits();
+    const auto store = StoreWithThreads(4);
+    std::vector<OneRead> reads;
+    reads.reserve(200);
+    for (std::uint64_t i = 0; i < 200; ++i) {
+        reads.emplace_back(i * 7, 1 + i % 50);
+        reads.back().context.m_pBuf = reinterpret_cast<unsigned char*>(reads.back().buffer.data());
+        EXPECT_EQ(store->ReadObjectAsync(&reads.back().context), 0);
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&reads[0].context), 0);
+    for (std::uint64_t i = 0; i < 200; ++i) {
+        EXPECT_EQ(reads[static_cast<std::size_t>(i)].buffer, Filled(Digits(i * 7, 1 + i % 50)));
+    }
+}
+
+TEST_F(AsyncRead, AWakeUpBeforeAllAnswersGivesMinusOneAndLateAnswersTouchNothing) {
+    const auto store = StoreWithThreads(2);
+    Gate late;
+    m_server.On("GET", "/the-bucket/late").Always(Bytes("01234").Wait(Place::AnswerByte(0), late));
+    ServeDigits("next");
+    OneRead first(0, 5, "late");
+    EXPECT_EQ(store->ReadObjectAsync(&first.context), 0);
+    std::int32_t result = -2;
+    std::thread host([&] { result = store->WaitForReadObjectAsync(&first.context); });
+    while (m_log.CountContaining("cv wait start.") == 0) {
+        std::this_thread::yield();
+    }
+    StoreTestAccess::WakeReader(*store);
+    host.join();
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::WaitForReadObjectAsync unknown error. total = 1 "
+                                    "complete = 0"),
+              1u);
+
+    OneRead second(3, 5, "next");
+    EXPECT_EQ(store->ReadObjectAsync(&second.context), 0);
+    late.Open();
+    while (m_log.CountContaining("unknown error: m_pReadStatus is null. Key: late") == 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&second.context), 0);
+    EXPECT_TRUE(first.Untouched());
+    EXPECT_EQ(second.buffer, Filled("34567"));
+}
+
+TEST_F(AsyncRead, KeysTakeTheSubstitution) {
+    Setup setup;
+    setup.provider = 6;
+    const auto store = MakeStore(setup);
+    m_server.Next(Bytes("x"));
+    OneRead read(0, 1, "a@b");
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(OnlyRequest().target, "/the-bucket/a%2Bb");
+}
+
+TEST_F(AsyncRead, HandlersAndWaitsRaceWithoutHarm) {
+    ServeDigits();
+    const auto store = StoreWithThreads(3);
+    for (int round = 0; round < 10000; ++round) {
+        OneRead reads[] = {OneRead(0, 3), OneRead(3, 3), OneRead(6, 3)};
+        const int count = 1 + round % 3;
+        for (int i = 0; i < count; ++i) {
+            ASSERT_EQ(store->ReadObjectAsync(&reads[i].context), 0);
+        }
+        ASSERT_EQ(store->WaitForReadObjectAsync(&reads[0].context), 0);
+        ASSERT_EQ(reads[0].buffer, Filled("012"));
+        ASSERT_EQ(reads[count - 1].buffer,
+                  Filled(Digits(static_cast<std::uint64_t>(count - 1) * 3, 3)));
+    }
+}
+
+}  // namespace
+}  // namespace Mirqos::Test
