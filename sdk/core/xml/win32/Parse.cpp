@@ -87,6 +87,14 @@ std::string_view WithoutProlog(std::string_view document) {
     return first != std::string_view::npos ? document.substr(first) : std::string_view();
 }
 
+/// Whether the document holds a control character that XML does not know. Wine's reader (8.0) ends
+/// the process at some of them, instead of refusing the document as XmlLite does.
+bool HasControlCharacter(std::string_view document) {
+    return std::any_of(document.begin(), document.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 && kBlanks.find(c) == kBlanks.npos;
+    });
+}
+
 /// UTF-8 of `length` UTF-16 units; false where they are not valid UTF-16.
 bool ToUtf8(const wchar_t* wide, UINT length, std::string& narrow) {
     narrow.clear();
@@ -134,8 +142,10 @@ private:
             case XmlNodeType_Element: {
                 // Asked before the name: it describes the element the reader stands on.
                 const bool empty = m_reader.IsEmptyElement() != FALSE;
-                return Fetch(&IXmlReader::GetLocalName) && m_builder.Start(m_text) &&
-                       (!empty || m_builder.End());
+                // Wine's reader (8.0) takes "<>" for an element.
+                return Fetch(&IXmlReader::GetLocalName) &&
+                       (!m_text.empty() || m_builder.Refuse("an element without a name")) &&
+                       m_builder.Start(m_text) && (!empty || m_builder.End());
             }
             case XmlNodeType_EndElement:
                 return m_builder.End();
@@ -183,6 +193,10 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
     const std::string_view document = WithoutProlog({data, size});
     if (IsCut(document)) {
         error = "the document ends too early";
+        return std::nullopt;
+    }
+    if (HasControlCharacter(document)) {
+        error = "a character that is none of XML's";
         return std::nullopt;
     }
     MemoryStream stream(document);
