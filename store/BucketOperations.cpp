@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "log/ModuleLog.h"
+#include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
 #include "store/PackedTextList.h"
 
