@@ -206,6 +206,22 @@ class Scripted(ScriptedCase):
         self.succeed("get", "s3://bucket/k", "out", env=env)
         self.assertEqual(os.path.getsize(self.path("out")), 0)
 
+    def test_where_listing_is_refused_objects_of_every_size_come_back_the_same(self):
+        for size in (1, PART - 1, PART, PART + 1, 2 * PART + 5):
+            data = random.Random(size).randbytes(size)
+
+            def answer(request, data=data):
+                first, last = request.range()
+                if first < len(data):
+                    request.send(206, data[first:last + 1])
+                else:
+                    request.refuse(416, "InvalidRange")
+            env = self.serve(answer)
+            for threads in ("1", "4"):
+                self.succeed("get", "s3://bucket/k", "out", "--threads", threads, env=env)
+                with open(self.path("out"), "rb") as file:
+                    self.assertEqual(file.read(), data)
+
     def test_another_size_than_listed_is_an_error_and_leaves_no_file(self):
         env = self.serve(lambda request: request.send(206, b"short"),
                          lambda request: request.list([("k", 1000)]))

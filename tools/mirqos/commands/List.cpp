@@ -23,13 +23,11 @@ public:
         : m_invocation(invocation),
           m_prefix(ParsePrefixUrl(invocation.operands[0])),
           m_readable(invocation.arguments.Has("human-readable")) {
-        const Json head = {{"bucket", m_prefix.bucket}, {"prefix", m_prefix.key}};
         m_token = invocation.arguments.Value("token").value_or("");
         m_onePage = invocation.arguments.Has("page") || !m_token.empty();
         if (m_token.size() > ObjectPage::kLongestToken) {
             throw Failure(ExitCode::Usage, "--token is longer than a token can be");
         }
-        m_head = head;
     }
 
     void Run() {
@@ -52,7 +50,9 @@ private:
     std::string Show(MIRQOSInterface& store, const std::string& token) {
         const ObjectPage page(store, m_prefix, m_invocation.settings.provider, token);
         if (WantsJson(m_invocation) && !m_document) {
-            m_document.emplace(WriteOutput, m_head, "objects");
+            m_document.emplace(WriteOutput,
+                               Json{{"bucket", m_prefix.bucket}, {"prefix", m_prefix.key}},
+                               "objects");
         }
         std::string lines;
         for (const CloudStoreObjInfo& object : page) {
@@ -100,7 +100,6 @@ private:
     const Invocation& m_invocation;
     const ObjectUrl m_prefix;
     const bool m_readable;
-    Json m_head;
     std::string m_token;
     bool m_onePage = false;
     std::optional<JsonList> m_document;

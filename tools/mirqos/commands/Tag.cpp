@@ -46,6 +46,7 @@ void Set(const Invocation& invocation, MIRQOSInterface& store, const ObjectUrl& 
          const std::vector<Tag>& tags) {
     const std::string stored = StoredKey(invocation.settings.provider, url.key);
     std::vector<std::string> texts;
+    texts.reserve(tags.size());
     for (const Tag& tag : tags) {
         texts.push_back(tag.Packed());
     }
