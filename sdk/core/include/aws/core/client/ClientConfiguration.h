@@ -15,8 +15,8 @@ class RetryStrategy;
 
 /// How a client reaches its service.
 struct ClientConfiguration {
-    /// Takes `region` from the environment, AWS_DEFAULT_REGION before AWS_REGION, else us-east-1, and
-    /// makes a DefaultRetryStrategy and a DefaultExecutor.
+    /// Takes `region` from the environment, AWS_DEFAULT_REGION before AWS_REGION, else us-east-1,
+    /// and makes a DefaultRetryStrategy and a DefaultExecutor.
     ClientConfiguration();
 
     Http::Scheme scheme = Http::Scheme::HTTPS;
