@@ -10,7 +10,7 @@ namespace {
 // The earlier client is left running on purpose; the leak checker of this program is told so.
 TEST(StoreSecondInit, TheEarlierClientStaysAliveAndTextsThatAreNullKeepTheirValue) {
     // Neither is given back: threads of the earlier client may log until the process ends.
-    auto* log = new Mirqos::Test::LogRecording;
+    static auto* const log = new Mirqos::Test::LogRecording;
     Mirqos::Test::TransportRecording transports;
     {
         AwsS3Store store;
