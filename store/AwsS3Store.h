@@ -83,6 +83,19 @@ private:
     /// Joins the recorded parts on the service, with the log lines of a failure.
     int32_t CompleteUpload(const CloudStoreFinishMultiPartUploadContext& context,
                            MultiPartUploadState& state);
+    /// `nStatus` is what an earlier look-up of the size left; a success keeps it.
+    int32_t CopyInOneRequest(CloudStoreCopyObjectContext& context, int32_t nStatus);
+    int32_t CopyLargeObject(CloudStoreCopyObjectContext& context, bool bFound);
+    int32_t CopyThroughFile(CloudStoreCopyObjectContext& context);
+    /// Looks an object of the configured bucket up in a listing. On a failure the results stay.
+    int32_t GetObjectSize(const char* pszKey, bool& bFound, uint64_t& nSize);
+    int32_t DownloadFileForCopyObject(const CloudStoreCopyObjectContext& context,
+                                      const std::wstring& strFile);
+    int32_t UploadFileForCopyObject(const CloudStoreCopyObjectContext& context,
+                                    const std::wstring& strFile);
+    int32_t UploadParts(const CloudStoreCopyObjectContext& context, const std::wstring& strFile,
+                        const char* pszUploadId, unsigned char* pBuffer, uint32_t nPartSize,
+                        uint64_t& nPartsTried);
     /// What each asynchronous call brings back, on a thread of the executor. Neither throws.
     void HandleUploadPartAsync(const Aws::S3::Model::UploadPartRequest& request,
                                const Aws::S3::Model::UploadPartOutcome& outcome);
