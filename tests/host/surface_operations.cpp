@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr std::int32_t kNotSupported = 50;
 constexpr std::int32_t kUnknownUpload = -1;
 constexpr std::int32_t kAccessDenied = 15;  // the SDK's number for a 403
 
@@ -125,14 +124,6 @@ public:
                              std::string(name) + ", request count");
     }
 
-    /// An operation that the library does not have yet: it says so and sends nothing.
-    template <class... Parameters>
-    void NotSupported(const char* name, int number,
-                      std::int32_t (MIRQOSInterface::*byName)(Parameters...),
-                      typename Same<Parameters>::type... arguments) {
-        Silent(name, number, byName, kNotSupported, 0, arguments...);
-    }
-
 private:
     Checks& m_checks;
     RefusingServer m_server;
@@ -169,7 +160,8 @@ void CheckObjects(Session& session) {
     copy.m_pszSrcKey = "host-key";
     copy.m_pszDstKey = "host-copy";
     copy.m_bIgnoreMissingSource = false;
-    session.NotSupported("CopyObject", 10, &I::CopyObject, &copy);
+    session.Refused({"PUT /host-bucket/host-copy", kAccessDenied, 1}, "CopyObject", 10,
+                    &I::CopyObject, &copy);
 
     CloudStoreListObjectConext listing;
     listing.m_pszBucket = "host-bucket";

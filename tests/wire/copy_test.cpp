@@ -1,0 +1,416 @@
+#include <algorithm>
+
+#include "platform/text.h"
+#include "tests/support/FaultyFiles.h"
+#include "tests/wire/Pages.h"
+#include "tests/wire/WireTest.h"
+
+namespace Mirqos::Test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Call = FaultyFiles::Call;
+
+constexpr std::uint64_t kMiB = 1024 * 1024;
+
+class Copy : public WireTest {
+protected:
+    Copy() {
+        m_copy.m_pszSrcBucket = "source-bucket";
+        m_copy.m_pszSrcKey = "a folder/s+1";
+        m_copy.m_pszDstBucket = "target-bucket";
+        m_copy.m_pszDstKey = "t";
+        m_copy.m_bIgnoreMissingSource = false;
+        m_copy.m_bSourceMissing = true;
+    }
+    std::unique_ptr<AwsS3Store> StoreOfProvider(std::int32_t provider,
+                                                std::int32_t buffer = 64 * 1024) {
+        Setup setup;
+        setup.provider = provider;
+        setup.buffer = buffer;
+        return MakeStore(setup);
+    }
+    static Answer Copied() {
+        return Answer::Status(200).Body("<CopyObjectResult><ETag>e</ETag></CopyObjectResult>");
+    }
+    static std::string Ends(const std::string& from, const std::string& to) {
+        return "[eu-central-1:source-bucket:" + from + "] to [eu-central-1:target-bucket:" + to +
+               "]";
+    }
+
+    CloudStoreCopyObjectContext m_copy;
+};
+
+TEST_F(Copy, OrdinaryServicesCopyInOneRequestWithoutASizeLookUp) {
+    m_server.Next(Copied());
+    const auto store = MakeStore();
+    EXPECT_EQ(store->CopyObject(&m_copy), 0);
+    const RecordedRequest request = OnlyRequest();
+    EXPECT_EQ(request.method, "PUT");
+    EXPECT_EQ(request.target, "/target-bucket/t");
+    EXPECT_EQ(request.Value("x-amz-copy-source"), "source-bucket/a%20folder/s%2B1");
+    EXPECT_EQ(request.body, "");
+    EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
+    EXPECT_FALSE(m_copy.m_bSourceMissing);
+    EXPECT_EQ(m_copy.m_nPartSize, 0u);
+    EXPECT_EQ(m_copy.m_nSrcSize, 0u);
+    EXPECT_THAT(Lines(), ElementsAre("Copy from " + Ends("a folder/s+1", "t") + " success."));
+    EXPECT_EQ(store->GetRequestCount(), 1u);
+}
+
+TEST_F(Copy, KeysTakeTheSubstitutionAtBothEndsAndLinesShowThemAsGiven) {
+    m_server.Next(Copied());
+    const auto store = StoreOfProvider(5);
+    m_copy.m_pszSrcKey = "s@1";
+    m_copy.m_pszDstKey = "t@1";
+    EXPECT_EQ(store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(OnlyRequest().target, "/target-bucket/t%2B1");
+    EXPECT_EQ(OnlyRequest().Value("x-amz-copy-source"), "source-bucket/s%2B1");
+    EXPECT_THAT(Lines(), ElementsAre("Copy from " + Ends("s@1", "t@1") + " success."));
+}
+
+TEST_F(Copy, AMissingSourceIsAFailureUnlessTheCallerForgivesIt) {
+    const int missing = StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY);
+    for (const bool forgive : {false, true}) {
+        m_log.Clear();
+        m_server.Next(Answer::S3Error(404, "NoSuchKey", "No key"));
+        m_copy.m_bIgnoreMissingSource = forgive;
+        const auto store = MakeStore();
+        EXPECT_EQ(store->CopyObject(&m_copy), forgive ? 0 : missing);
+        EXPECT_EQ(m_copy.m_bSourceMissing, forgive);
+        EXPECT_THAT(Lines(),
+                    ElementsAre("Copy from " + Ends("a folder/s+1", "t") + " failed.",
+                                "[No key],EC:[" + std::to_string(forgive ? 0 : missing) + "]"));
+    }
+}
+
+TEST_F(Copy, AnErrorUnderStatus200IsAFailure) {
+    m_server.Next(Answer::S3Error(200, "AccessDenied", "No"));
+    m_copy.m_bIgnoreMissingSource = true;
+    const auto store = MakeStore();
+    EXPECT_EQ(store->CopyObject(&m_copy), 15);
+    EXPECT_FALSE(m_copy.m_bSourceMissing);
+}
+
+TEST_F(Copy, GoogleLooksTheSizeUpInTheConfiguredBucketAndCopiesSmallObjectsInOneRequest) {
+    m_server.Next(ListingPage({"small", "small.x"}));  // sizes are the lengths of the keys
+    m_server.Next(Copied());
+    const auto store = StoreOfProvider(6);
+    m_copy.m_pszSrcKey = "small";
+    EXPECT_EQ(store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(m_copy.m_nSrcSize, 5u);
+    EXPECT_EQ(m_server.Requests().at(0).target, "/the-configured-bucket?list-type=2&prefix=small");
+    EXPECT_EQ(m_copy.m_nPartSize, 8 * kMiB);
+}
+
+TEST_F(Copy, AFailedLookUpIsTheResultAlsoWhenTheCopySucceeds) {
+    m_server.Next(Answer::S3Error(403, "AccessDenied", "No listing"));
+    m_server.Next(Copied());
+    const auto store = StoreOfProvider(6);
+    EXPECT_EQ(store->CopyObject(&m_copy), 15);
+    EXPECT_THAT(Lines(), Contains("[AwsS3Store::GetObjectSize]Failed to list object with prefix a "
+                                  "folder/s+1 in bucket the-configured-bucket. EC:15."));
+    EXPECT_THAT(Lines(), Contains("Copy from " + Ends("a folder/s+1", "t") + " success."));
+}
+
+TEST_F(Copy, AKeyWithAPlusIsNeverFoundWhereListedKeysAreDecoded) {
+    m_server.Next(ListingPage({"s+1"}));
+    m_server.Next(Copied());
+    const auto store = StoreOfProvider(6);
+    m_copy.m_pszSrcKey = "s@1";
+    EXPECT_EQ(store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(m_copy.m_nSrcSize, 0u);
+    EXPECT_THAT(Lines(), Contains("[AwsS3Store::GetObjectSize]Object s+1 does not exist in bucket "
+                                  "the-configured-bucket"));
+}
+
+TEST_F(Copy, ExactlyOnePartIsCopiedInOneRequest) {
+    m_server.Next(Copied());
+    const auto store = StoreOfProvider(6);
+    m_copy.m_nSrcSize = 8 * kMiB;
+    EXPECT_EQ(store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(OnlyRequest().method, "PUT");
+    EXPECT_EQ(m_copy.m_nPartSize, 8 * kMiB);
+}
+
+/// A copy of 250,000 bytes through a file, in ranges of 64 KiB and parts of 100,000 bytes.
+class CopyThroughFile : public Copy {
+protected:
+    static constexpr std::uint64_t kSize = 250000;
+    static constexpr char kName[] = "[AwsS3Store::GCSMultipartCopyObject]";
+
+    CopyThroughFile() : m_store(StoreOfProvider(6)) {
+        for (std::uint64_t i = 0; i < kSize; ++i) {
+            m_bytes += static_cast<char>((i * 31 + i / 251) % 256);
+        }
+        m_copy.m_pszSrcKey = "s";
+        m_copy.m_nSrcSize = kSize;
+        m_copy.m_nPartSize = 100000;
+        m_log.Clear();
+    }
+
+    void ServeSource() {
+        m_server.On("HEAD", "/source-bucket/s").Always(Answer::Status(200));
+        m_server.On("GET", "/source-bucket/s").Call([this](const RecordedRequest& request) {
+            const std::string range = request.Value("range");
+            const auto dash = range.find('-');
+            const auto first = static_cast<std::size_t>(std::stoull(range.substr(6, dash - 6)));
+            const auto last = static_cast<std::size_t>(std::stoull(range.substr(dash + 1)));
+            return Answer::Status(206).Body(m_bytes.substr(first, last - first + 1));
+        });
+    }
+    void ServeTarget() {
+        m_server.On("POST", "/target-bucket/t?uploads")
+            .Always(Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>u</UploadId>"
+                                             "</InitiateMultipartUploadResult>"));
+        m_server.On("PUT", "/target-bucket/t?partNumber=")
+            .Always(Answer::Status(200).Header("ETag", "e"));
+        m_server.On("POST", "/target-bucket/t?uploadId=u")
+            .Always(Answer::Status(200).Body(
+                "<CompleteMultipartUploadResult></CompleteMultipartUploadResult>"));
+        m_server.On("DELETE", "/target-bucket/t?uploadId=u").Always(Answer::Status(204));
+    }
+    std::size_t Count(const std::string& method, const std::string& targetPart) const {
+        std::size_t count = 0;
+        for (const RecordedRequest& request : m_server.Requests()) {
+            count +=
+                request.method == method && request.target.find(targetPart) != std::string::npos
+                    ? 1
+                    : 0;
+        }
+        return count;
+    }
+    /// Status, nothing left behind, and the line that ends every such copy.
+    void ExpectFailed(std::int32_t status) {
+        EXPECT_EQ(m_store->CopyObject(&m_copy), status);
+        EXPECT_FALSE(m_files.LeftBehind());
+        EXPECT_EQ(m_files.OpenFiles(), 0);
+        EXPECT_EQ(Lines().back(),
+                  "Copy from " + Ends("s", "t") + " failed EC:[" + std::to_string(status) + "].");
+    }
+    std::string File() const { return NarrowText(m_files.Name().c_str()); }
+
+    std::string m_bytes;
+    FaultyFiles m_files;
+    std::unique_ptr<AwsS3Store> m_store;
+};
+
+TEST_F(CopyThroughFile, EveryByteArrivesInPartsAndNothingIsLeft) {
+    ServeSource();
+    ServeTarget();
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_FALSE(m_files.LeftBehind());
+    EXPECT_EQ(m_files.OpenFiles(), 0);
+    std::string sent;
+    for (const RecordedRequest& request : m_server.Requests()) {
+        if (request.target.find("partNumber=") != std::string::npos) {
+            sent += request.body;
+        }
+    }
+    EXPECT_TRUE(sent == m_bytes);
+    EXPECT_EQ(Count("GET", "/source-bucket/s"), 4u);
+    EXPECT_EQ(Count("PUT", "partNumber="), 3u);
+    EXPECT_EQ(Count("POST", "uploadId=u"), 1u);
+    EXPECT_EQ(Count("DELETE", ""), 0u);
+    const auto lines = Lines();
+    for (const std::string& line : std::vector<std::string>{
+             "[AwsS3Store::CopyObject] Source size for s is [250000], partsize [100000]",
+             "[AwsS3Store::CopyObject]Calling Headobject for s in source-bucket",
+             kName + std::string(" Temporary file is ") + File() + ".",
+             "[AwsS3Store::DownloadFileForCopyObject]The size of object s is 250000.",
+             "[AwsS3Store::DownloadFileForCopyObject]Reading object dwToRead=65536",
+             "[AwsS3Store::DownloadFileForCopyObject]Reading object dwToRead=53392",
+             "[AwsS3Store::DownloadFileForCopyObject] Dwonloaded object s to file [" + File() +
+                 "] success.",
+             "[AwsS3Store::UploadFileForCopyObject] Size of file " + File() + " is [250000].",
+             "[AwsS3Store::UploadFileForCopyObject] Uploaded object t to bucket [target-bucket] "
+             "from file [" +
+                 File() + "] success.",
+             kName + std::string(" Temporary file deleted ") + File() + " ret[0]"}) {
+        EXPECT_THAT(lines, Contains(line));
+    }
+    EXPECT_EQ(lines.back(), "Copy from " + Ends("s", "t") + " success EC:[0].");
+}
+
+TEST_F(CopyThroughFile, ASizeThatWasLookedUpIsWrittenBackAndNeedsNoHead) {
+    ServeSource();
+    ServeTarget();
+    const std::string key(300, 's');  // listed with its length as its size
+    m_server.On("GET", "/the-configured-bucket").Always(ListingPage({key}));
+    m_server.On("GET", "/source-bucket/" + key).Call([this](const RecordedRequest& request) {
+        const std::string last =
+            request.Value("range").substr(request.Value("range").find('-') + 1);
+        return Answer::Status(206).Body(m_bytes.substr(0, std::stoul(last) + 1));
+    });
+    m_copy.m_pszSrcKey = key.c_str();
+    m_copy.m_nSrcSize = 0;
+    m_copy.m_nPartSize = 200;
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(m_copy.m_nSrcSize, 300u);
+    EXPECT_EQ(Count("HEAD", ""), 0u);
+    EXPECT_EQ(Count("PUT", "partNumber="), 2u);
+}
+
+TEST_F(CopyThroughFile, AMissingSourceIsSeenByTheHead) {
+    m_server.On("HEAD", "").Always(Answer::Status(404));
+    ExpectFailed(16);
+    m_copy.m_bIgnoreMissingSource = true;
+    m_log.Clear();
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_TRUE(m_copy.m_bSourceMissing);
+    EXPECT_EQ(m_log.CountContaining("Copy from"), 0u) << "no further line";
+    EXPECT_EQ(m_files.Name(), L"");
+}
+
+TEST_F(CopyThroughFile, ARefusedHeadEndsTheCopy) {
+    m_server.On("HEAD", "").Always(Answer::Status(403));
+    ExpectFailed(15);
+    EXPECT_EQ(m_files.Name(), L"");
+}
+
+TEST_F(CopyThroughFile, ASourceThatVanishesAfterTheHeadIsForgivenOnRequest) {
+    m_server.On("HEAD", "").Always(Answer::Status(200));
+    m_server.On("GET", "").Always(Answer::S3Error(404, "NoSuchKey", "Gone"));
+    ExpectFailed(StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY));
+    m_copy.m_bIgnoreMissingSource = true;
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_TRUE(m_copy.m_bSourceMissing);
+    EXPECT_FALSE(m_files.LeftBehind());
+    EXPECT_EQ(Lines().back(), "Copy from " + Ends("s", "t") + " success EC:[0].");
+}
+
+TEST_F(CopyThroughFile, AShortReadGives30) {
+    m_server.On("HEAD", "").Always(Answer::Status(200));
+    m_server.On("GET", "").Always(Answer::Status(206).Body("short"));
+    ExpectFailed(30);
+    EXPECT_EQ(m_log.CountContaining("[AwsS3Store::DownloadFileForCopyObject]Failed to read "
+                                    "object:[s], bytes2Read:[65536], readed:5, offset:0."),
+              1u);
+}
+
+TEST_F(CopyThroughFile, EveryFailureOfTheDownloadsFileIsTheResultAndLeavesNothing) {
+    ServeSource();
+    struct Case {
+        Call call;
+        int turn;
+        const char* line;
+    };
+    for (const Case& c :
+         {Case{Call::folder, 1, "Getting temporary path failed. EC:77."},
+          Case{Call::name, 1, "temporary filename  failed. EC:77."},
+          Case{Call::create, 1, "Failed to create file "},
+          Case{Call::seek, 1, " offset 250000 failed. EC:77."}, Case{Call::end, 1, "SetEndOfFile "},
+          Case{Call::seek, 2, " offset 0 failed. EC:77."},
+          Case{Call::write, 2, " failed. ToWriteBytes=65536, EC:77."}}) {
+        m_log.Clear();
+        m_files.Fail(c.call, 77, c.turn);
+        ExpectFailed(77);
+        EXPECT_EQ(m_log.CountContaining(c.line), 1u) << c.line;
+        EXPECT_EQ(Count("POST", "uploads"), 0u) << "no upload was opened";
+    }
+}
+
+TEST_F(CopyThroughFile, AShortWriteGives29) {
+    ServeSource();
+    m_files.WriteShort();
+    ExpectFailed(29);
+    EXPECT_EQ(m_log.CountContaining("ToWriteBytes=65536, Write=65535, EC:29."), 1u);
+}
+
+TEST_F(CopyThroughFile, AFileThatVanishesGives82) {
+    ServeSource();
+    m_files.vanished = true;
+    ExpectFailed(82);
+    EXPECT_EQ(m_log.CountContaining("[AwsS3Store::UploadFileForCopyObject]Failed to create "
+                                    "directory for file:"),
+              1u);
+}
+
+TEST_F(CopyThroughFile, AFailureBeforeTheFirstPartLeavesTheUploadOpen) {
+    ServeSource();
+    ServeTarget();
+    for (const Call call : {Call::open, Call::size}) {
+        m_files.Fail(call, 78);
+        ExpectFailed(78);
+    }
+    m_files.Fail(Call::read, 78);
+    ExpectFailed(78);
+    EXPECT_EQ(Count("POST", "uploads"), 3u);
+    EXPECT_EQ(Count("DELETE", ""), 0u);
+    EXPECT_EQ(m_log.CountContaining(":failed to open file:["), 1u);
+    EXPECT_EQ(m_log.CountContaining(" size.EC:[78]."), 1u);
+    EXPECT_EQ(m_log.CountContaining(":failed to read file:["), 1u);
+}
+
+TEST_F(CopyThroughFile, AFailureAfterAPartAbortsTheUpload) {
+    ServeSource();
+    m_server.On("PUT", "/target-bucket/t?partNumber=2")
+        .Always(Answer::S3Error(403, "AccessDenied", "No"));
+    ServeTarget();
+    ExpectFailed(15);
+    EXPECT_EQ(Count("DELETE", "uploadId=u"), 1u);
+    EXPECT_EQ(m_log.CountContaining("[AwsS3Store::UploadFileForCopyObject]:upload part:[2] of "
+                                    "object:[t] failed.EC:[15]."),
+              1u);
+    EXPECT_EQ(m_log.CountContaining("Aborting multipart upload from object [t] bucket "
+                                    "[target-bucket] "),
+              1u);
+    m_files.Fail(Call::read, 79, 2);
+    m_log.Clear();
+    ExpectFailed(79);
+    EXPECT_EQ(Count("DELETE", "uploadId=u"), 2u);
+}
+
+TEST_F(CopyThroughFile, ARefusedCompletionAbortsAndAFailedAbortIsOnlyLogged) {
+    ServeSource();
+    m_server.On("POST", "/target-bucket/t?uploadId=u")
+        .Always(Answer::S3Error(400, "InvalidPart", "Bad"));
+    m_server.On("DELETE", "").Always(Answer::S3Error(404, "NoSuchUpload", "Gone"));
+    ServeTarget();
+    ExpectFailed(100);
+    EXPECT_EQ(m_log.CountContaining(":complete multi-part upload for object:[t] failed.EC:[100]."),
+              1u);
+    EXPECT_EQ(m_log.CountContaining(":abort multi-part upload for object:[t] failed.EC:["), 1u);
+}
+
+TEST_F(CopyThroughFile, ARefusedOpeningIsTheResult) {
+    ServeSource();
+    m_server.On("POST", "").Always(Answer::S3Error(403, "AccessDenied", "No"));
+    ExpectFailed(15);
+    EXPECT_EQ(m_log.CountContaining(":Initialize multi-part upload for:[t] failed.EC:[15]."), 1u);
+}
+
+TEST_F(CopyThroughFile, AFileThatCannotBeDeletedMakesAGoodCopyAFailure) {
+    ServeSource();
+    ServeTarget();
+    m_files.Fail(Call::remove, 80);
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 80);
+    EXPECT_EQ(Count("POST", "uploadId=u"), 1u) << "the copy itself was completed";
+    EXPECT_EQ(m_log.CountContaining(kName + std::string(" Temporary file delete failed ") + File() +
+                                    ". ret:[80] "),
+              1u);
+    EXPECT_TRUE(SystemFiles().Delete(m_files.Name()).ok);
+}
+
+TEST_F(CopyThroughFile, SizesThatWouldLoopForEverGive87BeforeAnythingIsCreated) {
+    ServeSource();
+    for (const std::uint64_t partSize :
+         {std::uint64_t{1} << 32, (std::uint64_t{1} << 32) + 0x80000000u,
+          std::uint64_t{0x80000000u}}) {
+        m_copy.m_nSrcSize = partSize + 1;
+        m_copy.m_nPartSize = partSize;
+        ExpectFailed(87);
+    }
+    m_copy.m_nSrcSize = kSize;
+    m_copy.m_nPartSize = 1000;
+    m_store = StoreOfProvider(6, 0);
+    ExpectFailed(87);
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+    EXPECT_EQ(m_files.Name(), L"");
+}
+
+}  // namespace
+}  // namespace Mirqos::Test
