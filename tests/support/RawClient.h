@@ -32,6 +32,8 @@ public:
     /// Reads until the connection ends.
     std::string ReadToEnd();
     End Ended() const;
+    /// Whether the system always reports a reset as End::broken, and never as End::closed.
+    static bool TellsResetsApart();
 
 private:
     struct Impl;

@@ -31,6 +31,12 @@ std::string Put(const std::string& target, const std::string& body) {
 
 const char* const kOkHello = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
 
+/// The connection has ended, by a reset where the system tells.
+bool SawReset(const RawClient& client) {
+    return RawClient::TellsResetsApart() ? client.Ended() == RawClient::End::broken
+                                         : client.Ended() != RawClient::End::open;
+}
+
 TEST(ScriptedServer, RecordsARequestToTheLetter) {
     ScriptedServer server;
     server.Next(Answer::Status(200));
@@ -212,7 +218,7 @@ TEST(ScriptedServer, ResetsAtAByteOfTheAnswer) {
     EXPECT_EQ(client.Read(40), std::string(kOkHello).substr(0, 40));
     beforeReset.Open();
     EXPECT_EQ(client.Read(1), "");
-    EXPECT_EQ(client.Ended(), RawClient::End::broken);
+    EXPECT_TRUE(SawReset(client));
     EXPECT_EQ(server.Faults(Fault::reset), 1);
 }
 
@@ -223,7 +229,7 @@ TEST(ScriptedServer, ResetsAtAByteOfTheRequest) {
     ASSERT_TRUE(client.Send("PUT /k HTTP/1.1\r\nContent-Length: 100\r\n\r\nab"));
     ASSERT_TRUE(client.Send("c"));
     EXPECT_EQ(client.Read(1), "");
-    EXPECT_EQ(client.Ended(), RawClient::End::broken);
+    EXPECT_TRUE(SawReset(client));
     EXPECT_EQ(server.Faults(Fault::reset), 1);
     ASSERT_EQ(server.Requests().size(), 1u);
     EXPECT_EQ(server.Requests()[0].body, "abc");
