@@ -21,7 +21,14 @@ protected:
     std::unique_ptr<AwsS3Store> StoreWithThreads(std::int32_t threads) {
         Setup setup;
         setup.threads = threads;
-        return MakeStore(setup);
+        // with the lines of its threads written, so that they do not come between later ones
+        const std::size_t lines =
+            m_log.CountContaining("is started.") + static_cast<std::size_t>(threads);
+        auto store = MakeStore(setup);
+        while (m_log.CountContaining("is started.") < lines) {
+            std::this_thread::yield();
+        }
+        return store;
     }
     void Open(MIRQOSInterface& store, const std::string& upload = "u1") {
         m_server.On("POST", "/the-bucket/k?uploads")
