@@ -13,6 +13,7 @@
 #include "store/AsyncReadStatus.h"
 #include "store/AwsS3Store.h"
 #include "store/ObjectBody.h"
+#include "store/Status.h"
 
 using Aws::Utils::Stream::DefaultUnderlyingStream;
 using Aws::Utils::Stream::PreallocatedStreamBuf;
@@ -25,9 +26,6 @@ struct AwsS3Store::TransferHandleAsyncContext : Aws::Client::AsyncCallerContext 
 };
 
 namespace {
-
-constexpr int32_t kOutOfMemory = 14;
-constexpr int32_t kUnknownError = -1;
 
 // The response stream's buffer; the bytes live as long as it does.
 class ReadBuffer : public PreallocatedStreamBuf {
@@ -94,7 +92,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         ModuleLog(&g_ModuleLog, 1, "%s the read was not handed over: [%s].", kOperation,
                   failure.what());
         const std::lock_guard<std::mutex> lock(pBatch->m_mtxStatus);
-        pBatch->m_nErrorCode = kOutOfMemory;
+        pBatch->m_nErrorCode = Mirqos::kOutOfMemory;
         ++pBatch->m_nComplete;
     }
     ModuleLog(&g_ModuleLog, 1, "%s Leave. GetRange = [%s], read len = [%d]", kOperation,
@@ -131,7 +129,7 @@ void AwsS3Store::HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& req
     if (!outcome.IsSuccess()) {
         batch.m_nErrorCode = Mirqos::StatusOf(outcome);
     } else if (read.m_pBuf == nullptr) {
-        batch.m_nErrorCode = kUnknownError;  // nowhere to deliver to is no success
+        batch.m_nErrorCode = Mirqos::kUnknownError;  // nowhere to deliver to is no success
     } else if (batch.m_nErrorCode == 0) {
         // After a failure nothing more is delivered, and the failure stays: a success that replaced
         // it would tell the caller that all buffers hold their data.
@@ -173,7 +171,7 @@ int32_t AwsS3Store::WaitForReadObjectAsync(CloudStoreReadObjectContext* pContext
         ModuleLog(&g_ModuleLog, 1,
                   "%s unknown error. m_pReadStatus is null. key = [%s], read len = [%d]",
                   kOperation, pContext->m_pszKey, nReadLen);
-        return kUnknownError;
+        return Mirqos::kUnknownError;
     }
     {
         std::unique_lock<std::mutex> lock(pBatch->m_mtxStatus);
@@ -196,7 +194,7 @@ int32_t AwsS3Store::WaitForReadObjectAsync(CloudStoreReadObjectContext* pContext
     if (pBatch->m_nTotal != pBatch->m_nComplete && pBatch->m_nErrorCode == 0) {
         ModuleLog(&g_ModuleLog, 1, "%s unknown error. total = %d complete = %d", kOperation,
                   static_cast<int>(pBatch->m_nTotal), static_cast<int>(pBatch->m_nComplete));
-        pBatch->m_nErrorCode = kUnknownError;
+        pBatch->m_nErrorCode = Mirqos::kUnknownError;
     }
     m_pReadStatus.reset();
     return pBatch->m_nErrorCode;

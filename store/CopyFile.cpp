@@ -7,6 +7,7 @@
 #include "platform/file_system.h"
 #include "platform/text.h"
 #include "store/AwsS3Store.h"
+#include "store/Status.h"
 
 using Mirqos::SystemFile;
 using Mirqos::SystemResult;
@@ -17,7 +18,6 @@ using Mirqos::WidenText;
 namespace {
 
 constexpr uint32_t kMostChunk = 4 * 1024 * 1024;
-constexpr int32_t kOutOfMemory = 14;
 constexpr int32_t kWriteFault = 29;
 constexpr int32_t kReadFault = 30;
 constexpr int32_t kCannotCreate = 82;
@@ -76,7 +76,7 @@ int32_t AwsS3Store::DownloadFileForCopyObject(const CloudStoreCopyObjectContext&
     if (pBuffer == nullptr) {
         ModuleLogW(&g_ModuleLog, 1, L"[%s]Failed to allocate buffer, size: %lu.", kDownload,
                    Number(nChunk));
-        return kOutOfMemory;
+        return Mirqos::kOutOfMemory;
     }
     const std::wstring strKey = WidenText(context.m_pszSrcKey);
     ModuleLogW(&g_ModuleLog, 1, L"[%s]The size of object %s is %llu.", kDownload, strKey.c_str(),
@@ -139,7 +139,7 @@ int32_t AwsS3Store::UploadFileForCopyObject(const CloudStoreCopyObjectContext& c
     }
     const std::unique_ptr<unsigned char[]> pBuffer(new (std::nothrow) unsigned char[nPartSize]);
     if (pBuffer == nullptr) {
-        return kOutOfMemory;
+        return Mirqos::kOutOfMemory;
     }
     const std::wstring strKey = WidenText(context.m_pszDstKey);
     CloudStoreInitMultiPartUploadContext init;

@@ -15,6 +15,7 @@
 #include "store/AwsS3Store.h"
 #include "store/MultiPartUploadState.h"
 #include "store/ObjectBody.h"
+#include "store/Status.h"
 
 namespace {
 
@@ -45,7 +46,7 @@ Aws::S3::Model::CompletedMultipartUpload PartList(MultiPartUploadState& state, i
 
 int32_t AwsS3Store::UnknownUpload(const char* pszOperation) {
     ModuleLog(&g_ModuleLog, 1, "%s unknown error.", pszOperation);
-    return -1;
+    return Mirqos::kUnknownError;
 }
 
 std::shared_ptr<MultiPartUploadState> AwsS3Store::FindUpload(const char* pszUploadId) {

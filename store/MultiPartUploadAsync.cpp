@@ -9,13 +9,12 @@
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
 #include "store/MultiPartUploadState.h"
+#include "store/Status.h"
 
 using Aws::Utils::Stream::PreallocatedStreamBuf;
 using Bytes = Aws::Utils::Array<unsigned char>;
 
 namespace {
-
-constexpr int32_t kOutOfMemory = 14;
 
 // The body of one part: a stream over a copy of the caller's bytes. A request that holds it keeps
 // all three alive.
@@ -87,7 +86,7 @@ int32_t AwsS3Store::DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pCo
     } catch (const std::exception& failure) {
         ModuleLog(&g_ModuleLog, 1, "%s part [%d] was not handed over: [%s].", kOperation,
                   request.GetPartNumber(), failure.what());
-        RecordLostPart(*pState, kOutOfMemory);
+        RecordLostPart(*pState, Mirqos::kOutOfMemory);
     }
     return 0;
 }

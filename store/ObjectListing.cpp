@@ -12,6 +12,7 @@
 #include "store/AwsS3Store.h"
 #include "store/ObjectKey.h"
 #include "store/ProviderMarker.h"
+#include "store/Status.h"
 
 using Aws::S3::Model::ListObjectsV2Request;
 using Aws::S3::Model::ListObjectsV2Result;
@@ -21,7 +22,6 @@ namespace {
 
 // A whole listing never hands out more; the caller that needs the rest lists by segments.
 constexpr size_t kMostObjects = 1000;
-constexpr int32_t kOutOfMemory = 14;
 
 // What is handed out of one page: its first entries. They stay where the answer put them, so that
 // each key is copied once, into its record.
@@ -52,7 +52,7 @@ int32_t HandOut(const std::vector<Share>& shares, size_t nCount, bool bDecodeKey
     if (pRecords == nullptr) {
         ModuleLog(&g_ModuleLog, 1, "[%s]Failed to allocated memory. size: %llu.", pszOperation,
                   static_cast<unsigned long long>(nCount * sizeof(CloudStoreObjInfo)));
-        return kOutOfMemory;
+        return Mirqos::kOutOfMemory;
     }
     CloudStoreObjInfo* pRecord = pRecords;
     for (const Share& share : shares) {

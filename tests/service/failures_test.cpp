@@ -131,35 +131,30 @@ protected:
         m_waits.clear();
     }
 
+    /// A write and a read there both fail after all retries, with their lines.
+    void ExpectNetworkErrors(const char* endPoint) {
+        CloudStoreConfigInfo config = Config();
+        config.m_pszEndPoint = endPoint;
+        const auto store = NewStore(config);
+        EXPECT_EQ(Write(*store, "object", SomeBytes(100)), Status(S3Errors::NETWORK_CONNECTION));
+        ExpectAllRetries();
+        ExpectWriteLine(Status(S3Errors::NETWORK_CONNECTION));
+        const ReadAttempt read = Read(*store, "object", 0, 99);
+        EXPECT_EQ(read.status, Status(S3Errors::NETWORK_CONNECTION));
+        EXPECT_TRUE(read.LeftAlone());
+        ExpectAllRetries();
+        ExpectReadLines(read.status, "");
+    }
+
     std::vector<milliseconds> m_waits;
 };
 
 TEST_F(Unreachable, ARefusedPortIsANetworkErrorAfterAllRetries) {
-    CloudStoreConfigInfo config = Config();
-    config.m_pszEndPoint = "127.0.0.1:1";
-    const auto store = NewStore(config);
-    EXPECT_EQ(Write(*store, "object", SomeBytes(100)), Status(S3Errors::NETWORK_CONNECTION));
-    ExpectAllRetries();
-    ExpectWriteLine(Status(S3Errors::NETWORK_CONNECTION));
-    const ReadAttempt read = Read(*store, "object", 0, 99);
-    EXPECT_EQ(read.status, Status(S3Errors::NETWORK_CONNECTION));
-    EXPECT_TRUE(read.LeftAlone());
-    ExpectAllRetries();
-    ExpectReadLines(read.status, "");
+    ExpectNetworkErrors("127.0.0.1:1");
 }
 
 TEST_F(Unreachable, AnUnknownHostIsANetworkErrorAfterAllRetries) {
-    CloudStoreConfigInfo config = Config();
-    config.m_pszEndPoint = "no-such-host.invalid";
-    const auto store = NewStore(config);
-    EXPECT_EQ(Write(*store, "object", SomeBytes(100)), Status(S3Errors::NETWORK_CONNECTION));
-    ExpectAllRetries();
-    ExpectWriteLine(Status(S3Errors::NETWORK_CONNECTION));
-    const ReadAttempt read = Read(*store, "object", 0, 99);
-    EXPECT_EQ(read.status, Status(S3Errors::NETWORK_CONNECTION));
-    EXPECT_TRUE(read.LeftAlone());
-    ExpectAllRetries();
-    ExpectReadLines(read.status, "");
+    ExpectNetworkErrors("no-such-host.invalid");
 }
 
 TEST_F(Unreachable, AMissingKeyIsNotTriedAgain) {
