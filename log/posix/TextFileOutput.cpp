@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "log/LinePrefix.h"
+#include "log/dbg/LinePrefix.h"
 #include "platform/text.h"
 
 namespace Mirqos {

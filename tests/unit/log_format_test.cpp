@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "log/LinePrefix.h"
+#include "log/dbg/LinePrefix.h"
 #include "platform/format.h"
 #include "platform/process.h"
 

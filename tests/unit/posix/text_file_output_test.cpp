@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "log/CMIRQOSLog.h"
-#include "log/LinePrefix.h"
+#include "log/dbg/LinePrefix.h"
 #include "log/ModuleLog.h"
 #include "tests/support/RecordingOutput.h"
 

@@ -1,4 +1,4 @@
-#include "log/LinePrefix.h"
+#include "log/dbg/LinePrefix.h"
 
 #include "platform/format.h"
 #include "platform/process.h"
