@@ -47,6 +47,7 @@ CloudStoreListPartContext& CloudStoreListPartContext::operator=(const CloudStore
 CloudStoreListPartContext::~CloudStoreListPartContext() = default;
 
 // The standard leaves a moved-from list unspecified; hosts are promised an empty one.
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): an empty list may allocate
 CloudStoreListPartContext::CloudStoreListPartContext(CloudStoreListPartContext&& rhs)
     : CloudStoreListPartContext() {
     *this = std::move(rhs);

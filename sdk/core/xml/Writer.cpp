@@ -2,7 +2,7 @@
 
 namespace Mirqos::Xml {
 
-Writer::Writer() : m_document("<?xml version=\"1.0\" encoding=\"UTF-8\"?>") {
+Writer::Writer() : m_document(R"(<?xml version="1.0" encoding="UTF-8"?>)") {
 }
 
 void Writer::Open(std::string_view name, std::initializer_list<Attribute> attributes) {

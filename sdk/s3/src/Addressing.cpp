@@ -72,7 +72,7 @@ bool IsDnsCompatible(std::string_view bucket) {
 
 Addressing::Addressing(const std::string& endpoint, const std::string& region, bool https,
                        bool useVirtualAddressing)
-    : m_https(https), m_useVirtualAddressing(useVirtualAddressing), m_port(0) {
+    : m_https(https), m_useVirtualAddressing(useVirtualAddressing) {
     if (endpoint.empty()) {
         m_host = ServiceHost(region);
     } else {

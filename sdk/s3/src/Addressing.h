@@ -37,7 +37,7 @@ private:
     bool m_https;
     bool m_useVirtualAddressing;
     std::string m_host;
-    std::uint16_t m_port;
+    std::uint16_t m_port = 0;
     std::string m_pathPrefix;  ///< without a slash at its end
     std::string m_problem;
 };

@@ -156,7 +156,9 @@ void EasyExchange::SetOptions(bool fresh) {
     }
 
     for (const auto& [name, value] : m_request.headers) {
-        AddHeader(value.empty() ? name + ';' : name + ": " + value);  // libcurl's way to say empty
+        std::string line = name;
+        // a semicolon is libcurl's way to say empty
+        AddHeader(value.empty() ? line.append(";") : line.append(": ").append(value));
     }
     for (const char* const added : {"Accept", "Expect"}) {
         if (FindHeader(m_request.headers, added) == nullptr) {
