@@ -50,6 +50,20 @@ private:
 
     CLogConfig();
     ~CLogConfig() = default;
+
+    bool MakeOpen();
+    LOGUTILS::LogConfigBlock* Block() const;
+    /// Does `work` on the block while the mutex is held, unless the block cannot be had.
+    template <typename Work>
+    void WithBlock(Work work);
+
+    LOGUTILS::CriticalSection m_cs;  ///< guards the opening
+    LOGUTILS::NamedMutex m_mutex;
+    LOGUTILS::KernelObject m_mapping;
+    LOGUTILS::View m_view;
+    LOGUTILS::LogModuleEntry* m_pEntry = nullptr;  ///< the entry that was found last
+    unsigned m_nInstallKinds;
+    wchar_t m_szLogRoot[LOGUTILS::kPathRoom];
 };
 
 }  // namespace NSDBG

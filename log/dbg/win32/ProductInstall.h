@@ -1,33 +1,53 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
+#include <vector>
 
 #include "log/dbg/InstallKinds.h"
 #include "log/dbg/SummaryHeader.h"
 #include "log/dbg/WideText.h"
+#include "log/dbg/win32/CriticalSection.h"
 
-/// What the registry says of the product on this machine. Reads it anew at each call; CLogConfig
-/// and the level cache keep what a process needs more than once.
+/// What the registry says of the product on this machine. In Windows PE (kWindowsPe) no key of the
+/// product is looked at.
 namespace LOGUTILS {
+
+// These read the registry anew at each call.
 
 /// The set of installed components, or kWindowsPe alone.
 unsigned ReadInstallKinds();
 InstallPaths ReadInstallPaths();
 
 /// The version of the installed product as the component of `nKind` records it; nothing when there
-/// is no record.
+/// is no record. A record without an update number is of a release without updates.
 std::optional<ProductVersion> ReadProductVersion(unsigned nKind);
 
 /// The component that this library belongs to, after promotion (PromotedKind).
 unsigned ReadComponentKind(unsigned nInstallKinds);
 
+/// The executables that the option DisableGlobalOption lists; none when it is not set.
+std::vector<WideString> ReadDisableGlobalOption(unsigned nInstallKinds);
+
+// These read it once in a process. Any thread may call them.
+
 /// The level that the registry sets for an executable or library of that file name; -1 when it sets
-/// none. Read once for each name and process. Any thread.
+/// none. Read once for each name.
 std::int32_t RegistryLevel(const WideString& name, unsigned nInstallKinds);
 
 /// Whether the option DisableGlobalOption lists that executable: then it ignores the log path that
-/// all modules share. The option is read once in a process. Any thread.
-bool IsGlobalPathDisabled(const WideString& executableName);
+/// all modules share.
+bool IsGlobalPathDisabled(const WideString& executableName, unsigned nInstallKinds);
+
+/// The levels that were read, by name; what RegistryLevel keeps for the process. Any thread.
+class RegistryLevels {
+public:
+    std::int32_t LevelOf(const WideString& name, unsigned nInstallKinds);
+
+private:
+    CriticalSection m_cs;
+    std::map<WideString, std::int32_t> m_levels;
+};
 
 }  // namespace LOGUTILS

@@ -39,6 +39,7 @@ struct WindowsCalls {
     decltype(&::SetEntriesInAclW) setEntriesInAcl = &::SetEntriesInAclW;
     decltype(&::SetNamedSecurityInfoW) setNamedSecurityInfo = &::SetNamedSecurityInfoW;
 
+    decltype(&::GetProcAddress) getProcAddress = &::GetProcAddress;
     decltype(&::RegOpenKeyExW) regOpenKey = &::RegOpenKeyExW;
     decltype(&::GetVersionExW) getVersion = &::GetVersionExW;
     decltype(&::GetComputerNameW) getComputerName = &::GetComputerNameW;
