@@ -61,6 +61,9 @@ std::int32_t AwsS3BackupExecutor::Start(std::int32_t nThreadCount) {
 }
 
 bool AwsS3BackupExecutor::SubmitToThread(std::function<void()>&& task) {
+    if (const auto& onSubmission = Mirqos::TheExecutorSeam().onSubmission) {
+        onSubmission();
+    }
     Enqueue({kRunTask, std::make_unique<std::function<void()>>(std::move(task))});
     return true;
 }

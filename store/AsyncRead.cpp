@@ -41,7 +41,7 @@ private:
 }  // namespace
 
 int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
-    constexpr char kOperation[] = "AwsS3Store::ReadObjectAsync";
+    static constexpr char kOperation[] = "AwsS3Store::ReadObjectAsync";
     assert(pContext != nullptr && m_pClient != nullptr);
     ModuleLog(&g_ModuleLog, 1, "%s enter.", kOperation);
     if (static_cast<int64_t>(pContext->m_nRangeEnd) <
@@ -65,20 +65,20 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         }
         pBatch = m_pReadStatus;
     }
-    auto pTransfer = Aws::MakeShared<TransferHandleAsyncContext>(Mirqos::kAllocationTag);
-    pTransfer->m_oReadContext = *pContext;
-    pTransfer->m_pBatch = pBatch;
-    request.SetResponseStreamFactory([pTransfer]() -> Aws::IOStream* {
-        ModuleLog(&g_ModuleLog, 2, "%s lambda enter.", "AwsS3Store::ReadObjectAsync");
-        auto* pBuffer = Aws::New<ReadBuffer>(
-            Mirqos::kAllocationTag, pTransfer->m_pBatch->NewBuffer(
-                                        static_cast<size_t>(pTransfer->m_oReadContext.m_nReadLen)));
-        auto* pStream = Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, pBuffer);
-        pTransfer->m_pResponseStream.exchange(pStream);
-        return pStream;
-    });
     ++pBatch->m_nTotal;
     try {
+        auto pTransfer = Aws::MakeShared<TransferHandleAsyncContext>(Mirqos::kAllocationTag);
+        pTransfer->m_oReadContext = *pContext;
+        pTransfer->m_pBatch = pBatch;
+        request.SetResponseStreamFactory([pTransfer]() -> Aws::IOStream* {
+            ModuleLog(&g_ModuleLog, 2, "%s lambda enter.", kOperation);
+            const auto nLength = static_cast<size_t>(pTransfer->m_oReadContext.m_nReadLen);
+            auto* pBuffer = Aws::New<ReadBuffer>(Mirqos::kAllocationTag,
+                                                 pTransfer->m_pBatch->NewBuffer(nLength));
+            auto* pStream = Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, pBuffer);
+            pTransfer->m_pResponseStream.exchange(pStream);
+            return pStream;
+        });
         m_pClient->GetObjectAsync(
             request,
             [this](const Aws::S3::S3Client*, const auto& sent, const auto& outcome,
@@ -173,7 +173,7 @@ int32_t AwsS3Store::WaitForReadObjectAsync(CloudStoreReadObjectContext* pContext
                   kOperation, pContext->m_pszKey, nReadLen);
         return Mirqos::kUnknownError;
     }
-    {
+    try {
         std::unique_lock<std::mutex> lock(pBatch->m_mtxStatus);
         pBatch->m_bWaiting = true;
         if (pBatch->m_nTotal == pBatch->m_nComplete) {
@@ -188,6 +188,9 @@ int32_t AwsS3Store::WaitForReadObjectAsync(CloudStoreReadObjectContext* pContext
                       kOperation, static_cast<int>(pBatch->m_nTotal),
                       static_cast<int>(pBatch->m_nComplete));
         }
+    } catch (...) {
+        // What the wait did not see, the counts below tell.
+        ModuleLog(&g_ModuleLog, 1, "%s enter. exception.", kOperation);
     }
     const std::lock_guard<std::mutex> storeLock(m_mtxStore);
     const std::lock_guard<std::mutex> lock(pBatch->m_mtxStatus);

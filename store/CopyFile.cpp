@@ -205,8 +205,8 @@ int32_t AwsS3Store::UploadParts(const CloudStoreCopyObjectContext& context,
                        strFile.c_str(), static_cast<int>(result.error));
             return static_cast<int32_t>(result.error);
         }
-        if (nGot == 0) {
-            // The file became shorter under our hands: the loop would not reach its end.
+        if (nGot < std::min<uint64_t>(nPartSize, nFileSize - nOffset)) {
+            // The file became shorter under our hands: the rest would be missing in the object.
             ModuleLogW(&g_ModuleLog, 1, L"[SYNC]:[%s]:failed to read file:[%s].EC:[%d].", kUpload,
                        strFile.c_str(), kReadFault);
             return kReadFault;

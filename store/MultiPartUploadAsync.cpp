@@ -33,11 +33,14 @@ std::shared_ptr<Aws::IOStream> KeepBody(const CloudStoreMultiPartUploadContext& 
                                          static_cast<size_t>(context.m_nBufLen));
     auto pBuffer = Aws::MakeShared<PreallocatedStreamBuf>(
         Mirqos::kAllocationTag, pBytes->GetUnderlyingData(), pBytes->GetLength());
+    auto pBody = Aws::MakeShared<PartBody>(Mirqos::kAllocationTag, pBytes, pBuffer);
     const auto nPartNumber = static_cast<uint32_t>(context.m_nPartNumber);
-    state.m_mapPartBuffers[nPartNumber] = pBytes;
-    state.m_mapPartStreamBufs[nPartNumber] = pBuffer;
-    auto pBody =
-        Aws::MakeShared<PartBody>(Mirqos::kAllocationTag, std::move(pBytes), std::move(pBuffer));
+    {
+        const std::lock_guard<std::mutex> lock(state.m_mtxState);
+        // What stood there before goes after the unlock: to free a large block takes its time.
+        state.m_mapPartBuffers[nPartNumber].swap(pBytes);
+        state.m_mapPartStreamBufs[nPartNumber].swap(pBuffer);
+    }
     return {pBody, &pBody->m_stream};
 }
 
@@ -129,9 +132,9 @@ int32_t AwsS3Store::FinishMultiPartUploadAsync(CloudStoreFinishMultiPartUploadCo
         pState->m_cvPartsDone.wait(
             lock, [&] { return pState->m_nPartsDone == pState->m_nPartsSubmitted; });
         nStatus = pState->m_nLastError;
+        pState->m_mapPartStreamBufs.clear();
+        pState->m_mapPartBuffers.clear();
     }
-    pState->m_mapPartStreamBufs.clear();
-    pState->m_mapPartBuffers.clear();
     if (nStatus == 0) {
         nStatus = CompleteUpload(*pContext, *pState);
     }

@@ -18,7 +18,7 @@ struct MultiPartUploadState {
     std::unordered_map<uint32_t, Aws::String> m_mapPartETags;
     /// The bodies of asynchronous parts, kept until the finish. Requests share their ownership, so
     /// a body that a second part of the same number replaced goes as soon as no request can read
-    /// it. Only the thread that submits and finishes touches the two maps.
+    /// it. Guarded by m_mtxState, so that several threads may submit parts of one upload.
     std::unordered_map<uint32_t, std::shared_ptr<Aws::Utils::Array<unsigned char>>>
         m_mapPartBuffers;
     std::unordered_map<uint32_t, std::shared_ptr<Aws::Utils::Stream::PreallocatedStreamBuf>>
