@@ -10,15 +10,29 @@ std::atomic<std::size_t> g_failingSize{0};
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     if (size != 0 && size == g_failingSize) {
-        throw std::bad_alloc();
+        return nullptr;
     }
-    void* const block = std::malloc(size == 0 ? 1 : size);
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* operator new(std::size_t size) {
+    void* const block = operator new(size, std::nothrow);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
     return block;
+}
+
+// The forms for arrays call those above where nothing replaces them; under a sanitizer its own
+// would stand in between.
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+    return operator new(size, tag);
+}
+
+void* operator new[](std::size_t size) {
+    return operator new(size);
 }
 
 void operator delete(void* block) noexcept {
@@ -26,6 +40,22 @@ void operator delete(void* block) noexcept {
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
     std::free(block);
 }
 

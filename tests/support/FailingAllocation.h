@@ -4,8 +4,9 @@
 
 namespace Mirqos::Test {
 
-/// While one exists, `new` of exactly this many bytes throws std::bad_alloc, on every thread. A
-/// program that uses it has its global operator new replaced.
+/// While one exists, `new` of exactly this many bytes fails, on every thread, with std::bad_alloc
+/// or null as its form says. A program that uses it has its global operators new and delete
+/// replaced.
 class FailingAllocation {
 public:
     explicit FailingAllocation(std::size_t size);

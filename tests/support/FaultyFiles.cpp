@@ -24,19 +24,31 @@ public:
     }
     SystemResult Read(void* bytes, std::uint32_t size, std::uint32_t& got) override {
         SystemResult result;
-        return m_files.Fails(Call::read, result) ? result : m_file->Read(bytes, size, got);
+        if (m_files.Fails(Call::read, result)) {
+            return result;
+        }
+        result = m_file->Read(bytes, size, got);
+        if (got > 0 && --m_files.m_shortRead == 0) {
+            --got;
+        }
+        return result;
     }
     SystemResult Write(const void* bytes, std::uint32_t size, std::uint32_t& written) override {
         SystemResult result;
         if (m_files.Fails(Call::write, result)) {
             return result;
         }
-        return m_file->Write(bytes, std::exchange(m_files.m_shortWrite, false) ? size - 1 : size,
+        return m_file->Write(bytes, m_files.m_shortWrite.exchange(false) ? size - 1 : size,
                              written);
     }
     SystemResult Size(std::uint64_t& size) override {
         SystemResult result;
-        return m_files.Fails(Call::size, result) ? result : m_file->Size(size);
+        if (m_files.Fails(Call::size, result)) {
+            return result;
+        }
+        result = m_file->Size(size);
+        size = m_files.emptied ? 0 : size;
+        return result;
     }
 
 private:
@@ -58,6 +70,16 @@ bool FaultyFiles::Fails(Call call, SystemResult& result) {
     return true;
 }
 
+std::wstring FaultyFiles::Name() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_names.empty() ? std::wstring() : m_names.back();
+}
+
+std::vector<std::wstring> FaultyFiles::Names() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_names;
+}
+
 std::unique_ptr<SystemFile> FaultyFiles::Watch(std::unique_ptr<SystemFile> file) {
     return file != nullptr ? std::make_unique<File>(*this, std::move(file)) : nullptr;
 }
@@ -74,7 +96,10 @@ SystemResult FaultyFiles::NewTemporaryFile(const std::wstring& folder, const wch
         return result;
     }
     result = SystemFiles().NewTemporaryFile(folder, prefix, name);
-    m_name = name;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_names.push_back(name);
+    }
     if (onNewFile) {
         onNewFile(name);
     }

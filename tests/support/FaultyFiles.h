@@ -4,14 +4,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "platform/file_system.h"
 
 namespace Mirqos::Test {
 
-/// The system's files, with one call that fails, for its lifetime. It also knows the temporary file
-/// that was made and counts the files that are open.
+/// The system's files, with one call that fails, for its lifetime. It also knows the temporary
+/// files that were made and counts the files that are open. Any thread may use the files; what
+/// fails is set while none does.
 class FaultyFiles : public FileSystem {
 public:
     enum class Call { none, folder, name, create, open, remove, seek, end, read, write, size };
@@ -25,14 +28,21 @@ public:
     void Fail(Call call, std::uint32_t error, int turn = 1);
     /// The next write takes one byte less than it was given.
     void WriteShort() { m_shortWrite = true; }
+    /// The `turn`th read from now on, counted from 1, gives one byte less than there is.
+    void ReadShort(int turn) { m_shortRead = turn; }
     /// Called after the temporary file was made and before anything uses it.
     std::function<void(const std::wstring& name)> onNewFile;
     /// What Exists answers, where it is not to ask the system.
     bool vanished = false;
+    /// Files have the size 0, whatever was written to them.
+    bool emptied = false;
 
-    bool LeftBehind() const { return !m_name.empty() && SystemFiles().Exists(m_name); }
+    bool LeftBehind() const { return !Name().empty() && SystemFiles().Exists(Name()); }
     int OpenFiles() const { return m_open; }
-    const std::wstring& Name() const { return m_name; }
+    /// Of the latest temporary file; empty when none was made.
+    std::wstring Name() const;
+    /// Of all of them.
+    std::vector<std::wstring> Names() const;
 
     SystemResult TemporaryFolder(std::wstring& folder) override;
     SystemResult NewTemporaryFile(const std::wstring& folder, const wchar_t* prefix,
@@ -48,12 +58,14 @@ private:
     bool Fails(Call call, SystemResult& result);
     std::unique_ptr<SystemFile> Watch(std::unique_ptr<SystemFile> file);
 
-    Call m_call = Call::none;
+    std::atomic<Call> m_call{Call::none};
     std::uint32_t m_error = 0;
     int m_turn = 0;
-    bool m_shortWrite = false;
-    int m_open = 0;
-    std::wstring m_name;
+    std::atomic<bool> m_shortWrite{false};
+    std::atomic<int> m_shortRead{0};
+    std::atomic<int> m_open{0};
+    mutable std::mutex m_mutex;
+    std::vector<std::wstring> m_names;  // guarded by m_mutex
 };
 
 }  // namespace Mirqos::Test

@@ -47,6 +47,9 @@ void RecordingOutput::Clear() {
 }
 
 void RecordingOutput::Keep(RecordedLine line) {
+    if (onLine) {
+        onLine(line.text);
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_lines.push_back(std::move(line));
 }

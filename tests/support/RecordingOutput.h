@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -32,6 +33,9 @@ public:
     int GetLevel() override;
 
     void SetLevel(int level) { m_level = level; }
+    /// Called with each line before it is kept, on the thread that writes it; what it throws, the
+    /// writer gets. Set it while nobody writes.
+    std::function<void(const std::string& text)> onLine;
     std::vector<RecordedLine> Lines() const;
     std::vector<std::string> Texts() const;
     /// How many lines contain `part`.

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include "store/AsyncReadStatus.h"
 #include "store/AwsS3Store.h"
+#include "store/MultiPartUploadState.h"
 
 /// Reaches into a store for what no host can do.
 struct StoreTestAccess {
@@ -10,5 +13,10 @@ struct StoreTestAccess {
         const std::lock_guard<std::mutex> storeLock(store.m_mtxStore);
         const std::lock_guard<std::mutex> lock(store.m_pReadStatus->m_mtxStatus);
         store.m_pReadStatus->m_cvComplete.notify_all();
+    }
+
+    /// What the store keeps of an open upload; null for one that is not open.
+    static std::shared_ptr<MultiPartUploadState> Upload(AwsS3Store& store, const char* uploadId) {
+        return store.FindUpload(uploadId);
     }
 };

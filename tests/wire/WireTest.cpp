@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <set>
+#include <thread>
 
 #include "sdk/core/Seam.h"
 
@@ -55,6 +56,18 @@ std::unique_ptr<AwsS3Store> WireTest::MakeStore(const Setup& setup) {
     config.m_nProviderType = setup.provider;
     auto store = std::make_unique<AwsS3Store>();
     EXPECT_EQ(store->Init(&config), 0);
+    return store;
+}
+
+std::unique_ptr<AwsS3Store> WireTest::StoreWithThreads(std::int32_t threads) {
+    Setup setup;
+    setup.threads = threads;
+    const std::size_t lines =
+        m_log.CountContaining("is started.") + static_cast<std::size_t>(threads);
+    auto store = MakeStore(setup);
+    while (m_log.CountContaining("is started.") < lines) {
+        std::this_thread::yield();
+    }
     return store;
 }
 

@@ -69,6 +69,8 @@ protected:
     static Setup In(Style style);
     std::unique_ptr<AwsS3Store> MakeStore(const Setup& setup);
     std::unique_ptr<AwsS3Store> MakeStore() { return MakeStore(Setup()); }
+    /// With the lines of its threads written, so that they do not come between later ones.
+    std::unique_ptr<AwsS3Store> StoreWithThreads(std::int32_t threads);
 
     static std::int32_t Write(MIRQOSInterface& store, const std::string& key,
                               const std::string& body, const char* bucket = kBucket);

@@ -1,9 +1,10 @@
-#include <atomic>
+#include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include "tests/support/Gate.h"
 #include "tests/support/StoreTestAccess.h"
-#include "tests/wire/WireTest.h"
+#include "tests/wire/AsyncReadTest.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -12,61 +13,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-constexpr char kUntouched = '\xA5';
-
-class AsyncRead : public WireTest {
-protected:
-    /// A read into a buffer of its own; the buffer has to outlive the batch's wait.
-    struct OneRead {
-        explicit OneRead(std::uint64_t start, std::uint64_t length, const char* aKey = "k")
-            : buffer(static_cast<std::size_t>(length) + 4, kUntouched) {
-            context.m_pszBucket = kBucket;
-            context.m_pszKey = aKey;
-            context.m_pBuf = reinterpret_cast<unsigned char*>(buffer.data());
-            context.m_nReadLen = length;
-            context.m_nReadSize = 0;
-            context.m_nRangeStart = start;
-            context.m_nRangeEnd = start + length - 1;
-        }
-        bool Untouched() const { return buffer == std::string(buffer.size(), kUntouched); }
-        std::string buffer;
-        CloudStoreReadObjectContext context;
-    };
-
-    std::unique_ptr<AwsS3Store> StoreWithThreads(std::int32_t threads) {
-        Setup setup;
-        setup.threads = threads;
-        // with the lines of its threads written, so that they do not come between later ones
-        const std::size_t lines =
-            m_log.CountContaining("is started.") + static_cast<std::size_t>(threads);
-        auto store = MakeStore(setup);
-        while (m_log.CountContaining("is started.") < lines) {
-            std::this_thread::yield();
-        }
-        return store;
-    }
-    static Answer Bytes(const std::string& body) { return Answer::Status(206).Body(body); }
-    /// Answers every read with the numbers of its bytes, modulo 10.
-    void ServeDigits(const char* key = "k") {
-        m_server.On("GET", std::string("/the-bucket/") + key)
-            .Call([](const RecordedRequest& request) {
-                const std::string range = request.Value("range");
-                const auto dash = range.find('-');
-                const auto first = std::stoull(range.substr(6, dash - 6));
-                const auto last = std::stoull(range.substr(dash + 1));
-                return Bytes(Digits(first, last - first + 1));
-            });
-    }
-    static std::string Digits(std::uint64_t first, std::uint64_t count) {
-        std::string text;
-        for (std::uint64_t i = first; i < first + count; ++i) {
-            text += static_cast<char>('0' + i % 10);
-        }
-        return text;
-    }
-    static std::string Filled(const std::string& text) { return text + std::string(4, kUntouched); }
-};
 
 TEST_F(AsyncRead, ThreeReadsFillTheirOwnBuffers) {
     ServeDigits();
@@ -254,7 +200,6 @@ TEST_F(AsyncRead, TwoHundredReadsInOneBatchAllArrive) {
     reads.reserve(200);
     for (std::uint64_t i = 0; i < 200; ++i) {
         reads.emplace_back(i * 7, 1 + i % 50);
-        reads.back().context.m_pBuf = reinterpret_cast<unsigned char*>(reads.back().buffer.data());
         EXPECT_EQ(store->ReadObjectAsync(&reads.back().context), 0);
     }
     EXPECT_EQ(store->WaitForReadObjectAsync(&reads[0].context), 0);
@@ -291,6 +236,163 @@ TEST_F(AsyncRead, AWakeUpBeforeAllAnswersGivesMinusOneAndLateAnswersTouchNothing
     EXPECT_EQ(store->WaitForReadObjectAsync(&second.context), 0);
     EXPECT_TRUE(first.Untouched());
     EXPECT_EQ(second.buffer, Filled("34567"));
+}
+
+TEST_F(AsyncRead, LateAnswersThatArriveWhileTheNextBatchIsWaitedForDoNotWakeOrFillIt) {
+    const auto store = StoreWithThreads(6);
+    Gate late;
+    Gate next;
+    m_server.On("GET", "/the-bucket/late").Always(Bytes("99999").Wait(Place::AnswerByte(0), late));
+    m_server.On("GET", "/the-bucket/next").Always(Bytes("01234").Wait(Place::AnswerByte(0), next));
+    std::vector<OneRead> first;
+    for (int i = 0; i < 3; ++i) {
+        first.emplace_back(0, 5, "late");
+    }
+    for (OneRead& read : first) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    std::int32_t result = -2;
+    std::thread host([&] { result = store->WaitForReadObjectAsync(&first[0].context); });
+    while (m_log.CountContaining("cv wait start. total = [3]") == 0) {
+        std::this_thread::yield();
+    }
+    StoreTestAccess::WakeReader(*store);
+    host.join();
+    EXPECT_EQ(result, -1);
+
+    m_log.Clear();
+    OneRead second[] = {OneRead(0, 5, "next"), OneRead(0, 5, "next")};
+    for (OneRead& read : second) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    host = std::thread([&] { result = store->WaitForReadObjectAsync(&second[0].context); });
+    while (m_log.CountContaining("cv wait start. total = [2] complete count = [0]") == 0) {
+        std::this_thread::yield();
+    }
+    late.Open();
+    while (m_log.CountContaining("unknown error: m_pReadStatus is null. Key: late") < 3) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(m_log.CountContaining("cv wait end."), 0u);
+    next.Open();
+    host.join();
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(m_log.CountContaining("cv wait end. total = [2] complete count = [2]"), 1u);
+    for (const OneRead& read : first) {
+        EXPECT_TRUE(read.Untouched());
+    }
+    for (const OneRead& read : second) {
+        EXPECT_TRUE(read.Delivered());
+    }
+}
+
+TEST_F(AsyncRead, AnAnswerThatComesWithNoBatchAtAllIsOnlyReported) {
+    Gate late;
+    OneRead read(0, 5);
+    {
+        const auto store = StoreWithThreads(1);
+        m_server.On("GET", "/the-bucket/k").Always(Bytes("01234").Wait(Place::AnswerByte(0), late));
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+        std::thread host([&] { EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), -1); });
+        while (m_log.CountContaining("cv wait start.") == 0) {
+            std::this_thread::yield();
+        }
+        StoreTestAccess::WakeReader(*store);
+        host.join();
+        late.Open();
+    }
+    EXPECT_EQ(m_log.CountContaining("[AwsS3Store::HandleAsyncReadFunc]. unknown error: "
+                                    "m_pReadStatus is null. Key: k Context_Start = 0"),
+              1u);
+    EXPECT_TRUE(read.Untouched());
+}
+
+TEST_F(AsyncRead, AWakeUpBeforeAllAnswersKeepsAFailureThatIsRecorded) {
+    const auto store = StoreWithThreads(2);
+    Gate late;
+    m_server.On("GET", "/the-bucket/late").Always(Bytes("01234").Wait(Place::AnswerByte(0), late));
+    m_server.On("GET", "/the-bucket/denied").Always(Answer::S3Error(403, "AccessDenied", "No"));
+    OneRead reads[] = {OneRead(0, 5, "late"), OneRead(0, 5, "denied")};
+    for (OneRead& read : reads) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    while (m_log.CountContaining("leave. Total Request= 2 , complete = 1, EC = 15") == 0) {
+        std::this_thread::yield();
+    }
+    std::int32_t result = -2;
+    std::thread host([&] { result = store->WaitForReadObjectAsync(&reads[0].context); });
+    while (m_log.CountContaining("cv wait start.") == 0) {
+        std::this_thread::yield();
+    }
+    StoreTestAccess::WakeReader(*store);
+    host.join();
+    EXPECT_EQ(result, 15);
+    EXPECT_EQ(m_log.CountContaining("unknown error. total"), 0u);
+    late.Open();
+}
+
+TEST_F(AsyncRead, AReadWithoutBufferIsNotMadeGoodByALaterSuccess) {
+    ServeDigits();
+    const auto store = StoreWithThreads(1);
+    OneRead reads[] = {OneRead(0, 5), OneRead(5, 5)};
+    reads[0].context.m_pBuf = nullptr;
+    for (OneRead& read : reads) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&reads[0].context), -1);
+    EXPECT_TRUE(reads[1].Untouched());
+}
+
+TEST_F(AsyncRead, ABatchOfOneReadOfOneByte) {
+    ServeDigits();
+    const auto store = StoreWithThreads(1);
+    OneRead read(7, 1);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_TRUE(read.Delivered());
+    EXPECT_EQ(OnlyRequest().Value("range"), "bytes=7-7");
+}
+
+// What an output throws comes out of the line that writes to it.
+TEST_F(AsyncRead, AnExceptionWhileWaitingIsLoggedAndTheCountsDecide) {
+    const auto store = StoreWithThreads(1);
+    Gate gate;
+    m_server.On("GET", "/the-bucket/k").Always(Bytes("01234").Wait(Place::AnswerByte(0), gate));
+    const auto throwAt = [this](const std::string& part) {
+        m_log.File().onLine = [part](const std::string& text) {
+            if (text.find(part) != std::string::npos) {
+                throw std::runtime_error("an output that throws");
+            }
+        };
+    };
+    throwAt("cv wait start.");
+    OneRead late(0, 5);
+    EXPECT_EQ(store->ReadObjectAsync(&late.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&late.context), -1) << "nothing was answered";
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::WaitForReadObjectAsync enter. exception."), 1u);
+    gate.Open();
+    while (m_log.CountContaining("m_pReadStatus is null. Key: k") == 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(late.Untouched());
+}
+
+TEST_F(AsyncRead, AnExceptionAfterAllAnswersLosesNothing) {
+    ServeDigits();
+    const auto store = StoreWithThreads(1);
+    m_log.File().onLine = [](const std::string& text) {
+        if (text.find("no need wait.") != std::string::npos) {
+            throw std::runtime_error("an output that throws");
+        }
+    };
+    OneRead read(0, 5);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    while (m_log.CountContaining("leave. Total Request= 1 , complete = 1, EC = 0") == 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::WaitForReadObjectAsync enter. exception."), 1u);
+    EXPECT_TRUE(read.Delivered());
 }
 
 TEST_F(AsyncRead, KeysTakeTheSubstitution) {

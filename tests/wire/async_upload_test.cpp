@@ -1,98 +1,18 @@
 #include <algorithm>
-#include <atomic>
+#include <memory>
+#include <numeric>
 #include <thread>
 
 #include "tests/support/Gate.h"
-#include "tests/wire/WireTest.h"
+#include "tests/wire/AsyncUploadTest.h"
 
 namespace Mirqos::Test {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-class AsyncUpload : public WireTest {
-protected:
-    static std::string PartTarget(int number, const std::string& upload = "u1") {
-        return "/the-bucket/k?partNumber=" + std::to_string(number) + "&uploadId=" + upload;
-    }
-    std::unique_ptr<AwsS3Store> StoreWithThreads(std::int32_t threads) {
-        Setup setup;
-        setup.threads = threads;
-        // with the lines of its threads written, so that they do not come between later ones
-        const std::size_t lines =
-            m_log.CountContaining("is started.") + static_cast<std::size_t>(threads);
-        auto store = MakeStore(setup);
-        while (m_log.CountContaining("is started.") < lines) {
-            std::this_thread::yield();
-        }
-        return store;
-    }
-    void Open(MIRQOSInterface& store, const std::string& upload = "u1") {
-        m_server.On("POST", "/the-bucket/k?uploads")
-            .Once(Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>" + upload +
-                                           "</UploadId></InitiateMultipartUploadResult>"));
-        CloudStoreInitMultiPartUploadContext init;
-        init.m_pszBucket = kBucket;
-        init.m_pszKey = "k";
-        CloudStoreInitMultiPartUploadOutcome outcome;
-        ASSERT_EQ(store.InitMultiPartUpload(&init, &outcome), 0);
-    }
-    static std::int32_t Submit(MIRQOSInterface& store, int number, const std::string& bytes,
-                               bool last, const char* upload = "u1") {
-        CloudStoreMultiPartUploadContext part;
-        part.m_pszBucket = kBucket;
-        part.m_pszKey = "k";
-        part.m_pszUploadId = upload;
-        part.m_nPartNumber = static_cast<std::uint64_t>(number);
-        part.m_pBuf = reinterpret_cast<const unsigned char*>(bytes.data());
-        part.m_nBufLen = static_cast<std::int32_t>(bytes.size());
-        part.m_bLastPart = last;
-        return store.DoMultiPartUploadAsync(&part);
-    }
-    static std::int32_t Finish(MIRQOSInterface& store, std::int32_t parts,
-                               const char* upload = "u1") {
-        CloudStoreFinishMultiPartUploadContext finish;
-        finish.m_pszBucket = kBucket;
-        finish.m_pszKey = "k";
-        finish.m_pszUploadId = upload;
-        finish.m_nPartCount = parts;
-        return store.FinishMultiPartUploadAsync(&finish);
-    }
-    ScriptedServer::Rule Part(int number, Answer answer) {
-        return m_server.On("PUT", PartTarget(number)).Once(std::move(answer));
-    }
-    static Answer Tagged(const std::string& eTag) {
-        return Answer::Status(200).Header("ETag", eTag);
-    }
-    void CompleteWith(const Answer& answer = Answer::Status(200).Body(
-                          "<CompleteMultipartUploadResult></CompleteMultipartUploadResult>")) {
-        m_server.On("POST", "/the-bucket/k?uploadId=").Always(answer);
-    }
-    std::vector<RecordedRequest> Completions() const {
-        std::vector<RecordedRequest> found;
-        for (RecordedRequest& request : m_server.Requests()) {
-            if (request.method == "POST" &&
-                request.target.find("?uploadId=") != std::string::npos) {
-                found.push_back(std::move(request));
-            }
-        }
-        return found;
-    }
-    std::string TagsSent() const {
-        std::string tags;
-        for (const RecordedRequest& completion : Completions()) {
-            const std::string& body = completion.body;
-            for (std::size_t at = 0; (at = body.find("<ETag>", at)) != std::string::npos;) {
-                at += 6;
-                tags += body.substr(at, body.find("</ETag>", at) - at) + ";";
-            }
-        }
-        return tags;
-    }
-};
+using testing::UnorderedElementsAreArray;
 
 TEST_F(AsyncUpload, APartSendsExactlyThisRequestAndItsBufferIsFreeAtOnce) {
     const auto store = StoreWithThreads(1);
@@ -117,55 +37,69 @@ TEST_F(AsyncUpload, APartSendsExactlyThisRequestAndItsBufferIsFreeAtOnce) {
 }
 
 TEST_F(AsyncUpload, PartsAnsweredInEveryOrderAreCompletedInOrder) {
-    std::vector<int> order = {1, 2, 3};
-    do {
-        const auto store = StoreWithThreads(3);
-        const std::string upload =
-            "u" + std::to_string(order[0]) + std::to_string(order[1]) + std::to_string(order[2]);
-        Open(*store, upload);
-        std::vector<Gate> gates(4);
-        for (int number = 1; number <= 3; ++number) {
-            m_server.On("PUT", PartTarget(number, upload))
-                .Once(Tagged("e" + std::to_string(number))
-                          .Wait(Place::AnswerByte(0), gates[static_cast<std::size_t>(number)]));
-        }
-        m_server.On("POST", "/the-bucket/k?uploadId=" + upload)
-            .Once(Answer::Status(200).Body(
-                "<CompleteMultipartUploadResult></CompleteMultipartUploadResult>"));
-        for (int number = 1; number <= 3; ++number) {
-            EXPECT_EQ(Submit(*store, number, "x", number == 3, upload.c_str()), 0);
-        }
+    for (int parts = 1; parts <= 4; ++parts) {
+        std::vector<int> order(static_cast<std::size_t>(parts));
+        std::iota(order.begin(), order.end(), 1);
+        std::string tags;
         for (const int number : order) {
-            const Gate& gate = gates[static_cast<std::size_t>(number)];
-            ASSERT_TRUE(gate.WaitUntilReached());
-            gate.Open();
+            tags += "e" + std::to_string(number) + ";";
         }
-        EXPECT_EQ(Finish(*store, 3, upload.c_str()), 0);
-        EXPECT_THAT(Completions().back().body,
-                    HasSubstr("<ETag>e1</ETag><PartNumber>1</PartNumber></Part><Part><ETag>e2"
-                              "</ETag><PartNumber>2</PartNumber></Part><Part><ETag>e3</ETag>"
-                              "<PartNumber>3</PartNumber>"));
-    } while (std::next_permutation(order.begin(), order.end()));
+        do {
+            const auto store = StoreWithThreads(parts);
+            std::string upload = "u";
+            for (const int number : order) {
+                upload += std::to_string(number);
+            }
+            Open(*store, upload);
+            CompleteWith();
+            std::vector<Gate> gates(order.size());
+            for (int number = 1; number <= parts; ++number) {
+                Part(number,
+                     Tagged("e" + std::to_string(number))
+                         .Wait(Place::AnswerByte(0), gates[static_cast<std::size_t>(number - 1)]),
+                     upload);
+                EXPECT_EQ(Submit(*store, number, "x", number == parts, upload), 0);
+            }
+            std::uint32_t answered = 0;
+            for (const int number : order) {
+                const Gate& gate = gates[static_cast<std::size_t>(number - 1)];
+                ASSERT_TRUE(gate.WaitUntilReached());
+                gate.Open();
+                AwaitAnswers(*store, ++answered, upload);
+            }
+            const std::size_t sent = TagsSent().size();
+            EXPECT_EQ(Finish(*store, parts, upload), 0);
+            EXPECT_EQ(TagsSent().substr(sent), tags) << upload;
+        } while (std::next_permutation(order.begin(), order.end()));
+    }
 }
 
-TEST_F(AsyncUpload, AFailedPartAmongSuccessesIsTheResultAndNothingIsCompleted) {
-    for (const int failing : {1, 2, 3}) {
+TEST_F(AsyncUpload, FailedPartsAmongSuccessesAreTheResultAndNothingIsCompleted) {
+    const std::vector<std::vector<int>> cases{{1}, {2}, {3}, {1, 3}, {1, 2, 3}};
+    for (const std::vector<int>& failing : cases) {
         const auto store = StoreWithThreads(2);
-        const std::string upload = "f" + std::to_string(failing);
+        const std::string upload =
+            "f" + testing::PrintToString(failing.size()) + "-" + std::to_string(failing.front());
         Open(*store, upload);
         CompleteWith();
         m_log.Clear();
+        std::vector<std::string> lines;
         for (int number = 1; number <= 3; ++number) {
-            m_server.On("PUT", PartTarget(number, upload))
-                .Once(number == failing ? Answer::S3Error(403, "AccessDenied", "No") : Tagged("e"));
-            EXPECT_EQ(Submit(*store, number, "x", number == 3, upload.c_str()), 0);
+            const bool fails = std::count(failing.begin(), failing.end(), number) != 0;
+            Part(number, fails ? Answer::S3Error(403, "AccessDenied", "No") : Tagged("e"), upload);
+            EXPECT_EQ(Submit(*store, number, "x", number == 3, upload), 0);
+            if (fails) {
+                lines.push_back("Part Upload:[eu-central-1:the-bucket:k:" + std::to_string(number) +
+                                "] failed.");
+                lines.push_back("Part Upload:[No].");
+            }
         }
-        EXPECT_EQ(Finish(*store, 3, upload.c_str()), 15);
+        EXPECT_EQ(Finish(*store, 3, upload), 15);
         EXPECT_THAT(Completions(), IsEmpty());
-        EXPECT_THAT(Lines(), Contains("Part Upload:[eu-central-1:the-bucket:k:" +
-                                      std::to_string(failing) + "] failed."));
-        EXPECT_THAT(Lines(), Contains("Part Upload:[No]."));
-        EXPECT_EQ(Finish(*store, 3, upload.c_str()), -1) << "its state is gone";
+        EXPECT_EQ(Aborts(), 0u) << "the upload on the service is the host's to abort";
+        EXPECT_THAT(PartLines(), UnorderedElementsAreArray(lines));
+        EXPECT_EQ(StoreTestAccess::Upload(*store, upload.c_str()), nullptr);
+        EXPECT_EQ(Finish(*store, 3, upload), -1);
     }
 }
 
@@ -190,13 +124,39 @@ TEST_F(AsyncUpload, AFinishAfterTheLastAnswerDoesNotWait) {
     Open(*store);
     CompleteWith();
     Part(1, Tagged("e1"));
-    m_server.On("PUT", PartTarget(2)).Once(Answer::S3Error(403, "AccessDenied", "No"));
+    Part(2, Tagged("e2"));
     EXPECT_EQ(Submit(*store, 1, "x", false), 0);
     EXPECT_EQ(Submit(*store, 2, "x", true), 0);
-    while (m_log.CountContaining("Part Upload:[No].") == 0) {
+    AwaitAnswers(*store, 2);
+    EXPECT_EQ(Finish(*store, 2), 0);
+    EXPECT_EQ(TagsSent(), "e1;e2;");
+}
+
+TEST_F(AsyncUpload, AFinishBeforeTheAnswersWaitsForTheLastAndNoLonger) {
+    const auto store = StoreWithThreads(2);
+    Open(*store);
+    CompleteWith();
+    std::vector<Gate> gates(2);
+    for (const int number : {1, 2}) {
+        const Gate& gate = gates[static_cast<std::size_t>(number - 1)];
+        Part(number, Tagged("e" + std::to_string(number)).Wait(Place::AnswerByte(0), gate));
+        EXPECT_EQ(Submit(*store, number, "x", false), 0);
+        ASSERT_TRUE(gate.WaitUntilReached());
+    }
+    const auto state = StoreTestAccess::Upload(*store, "u1");
+    std::int32_t result = -2;
+    std::thread host([&] { result = Finish(*store, 2); });
+    // The finish marks the last part under the lock that only its wait gives up.
+    while (!state->m_bLastPartSubmitted) {
         std::this_thread::yield();
     }
-    EXPECT_EQ(Finish(*store, 2), 15);
+    gates[1].Open();
+    AwaitAnswers(*store, 1);
+    EXPECT_THAT(Completions(), IsEmpty()) << "one answer is still missing";
+    gates[0].Open();
+    host.join();
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(TagsSent(), "e1;e2;");
 }
 
 TEST_F(AsyncUpload, ANumberSentTwiceCountsTwiceAndTheAnswerHandledLastStands) {
@@ -210,6 +170,69 @@ TEST_F(AsyncUpload, ANumberSentTwiceCountsTwiceAndTheAnswerHandledLastStands) {
     EXPECT_EQ(TagsSent(), "second;");
     EXPECT_EQ(m_server.Requests().at(1).body, "aaaa");
     EXPECT_EQ(m_server.Requests().at(2).body, "bbbb");
+}
+
+TEST_F(AsyncUpload, AReplacedBodyIsSentWholeAndFreedAsSoonAsNoRequestCanUseIt) {
+    const auto store = StoreWithThreads(1);
+    Open(*store);
+    CompleteWith();
+    // far more than sockets hold, so that the rest of it is read after the replacement
+    const std::string first(20 * 1024 * 1024, 'a');
+    const std::string second = "bbbb";
+    Gate inFirst;
+    Gate inSecond;
+    m_server.On("PUT", PartTarget(1))
+        .Once(Tagged("first").Wait(Place::RequestByte(1), inFirst))
+        .Once(Tagged("second").Wait(Place::AnswerByte(0), inSecond));
+    EXPECT_EQ(Submit(*store, 1, first, false), 0);
+    const auto state = StoreTestAccess::Upload(*store, "u1");
+    const std::weak_ptr<Aws::Utils::Array<unsigned char>> body = state->m_mapPartBuffers.at(1);
+    const std::weak_ptr<Aws::Utils::Stream::PreallocatedStreamBuf> buffer =
+        state->m_mapPartStreamBufs.at(1);
+    ASSERT_TRUE(inFirst.WaitUntilReached());
+    EXPECT_EQ(Submit(*store, 1, second, true), 0);
+    EXPECT_FALSE(body.expired()) << "its request is being sent";
+    EXPECT_FALSE(buffer.expired());
+    inFirst.Open();
+    // The one thread has freed the first request once it sends the second.
+    ASSERT_TRUE(inSecond.WaitUntilReached());
+    EXPECT_TRUE(body.expired());
+    EXPECT_TRUE(buffer.expired());
+    EXPECT_EQ(state->m_mapPartBuffers.size(), 1u);
+    inSecond.Open();
+    EXPECT_EQ(Finish(*store, 1), 0);
+    EXPECT_EQ(TagsSent(), "second;");
+    ASSERT_EQ(Sent(1).size(), 2u);
+    EXPECT_TRUE(Sent(1)[0].body == first);
+    EXPECT_TRUE(Sent(1)[1].body == second);
+}
+
+TEST_F(AsyncUpload, TheFinishFreesEveryBodyBeforeItCompletes) {
+    const auto store = StoreWithThreads(2);
+    Open(*store);
+    std::vector<std::weak_ptr<Aws::Utils::Array<unsigned char>>> bodies;
+    for (int number = 1; number <= 5; ++number) {
+        Part(number, Tagged("e"));
+        EXPECT_EQ(Submit(*store, number, "some bytes", number == 5), 0);
+        const auto state = StoreTestAccess::Upload(*store, "u1");
+        bodies.push_back(state->m_mapPartBuffers.at(static_cast<std::uint32_t>(number)));
+    }
+    AwaitAnswers(*store, 5);
+    for (const auto& body : bodies) {
+        EXPECT_FALSE(body.expired()) << "kept until the finish";
+    }
+    Gate completing;
+    CompleteWith(Completed().Wait(Place::AnswerByte(0), completing));
+    std::thread host([&] { EXPECT_EQ(Finish(*store, 5), 0); });
+    EXPECT_TRUE(completing.WaitUntilReached());
+    // The threads let go of a request a moment after its answer was handled.
+    for (const auto& body : bodies) {
+        while (!body.expired()) {
+            std::this_thread::yield();
+        }
+    }
+    completing.Open();
+    host.join();
 }
 
 TEST_F(AsyncUpload, AFinishWithNoPartMarkedLastEndsAllTheSame) {
@@ -248,6 +271,22 @@ TEST_F(AsyncUpload, TwoUploadsOnOneStoreDoNotMix) {
     EXPECT_EQ(TagsSent(), "u2-1;u2-2;u1-1;u1-2;");
 }
 
+TEST_F(AsyncUpload, AFailureOfOneUploadDoesNotTouchAnother) {
+    const auto store = StoreWithThreads(2);
+    Open(*store, "u1");
+    Open(*store, "u2");
+    CompleteWith();
+    for (int number = 1; number <= 2; ++number) {
+        Part(number, Answer::S3Error(403, "AccessDenied", "No"), "u1");
+        Part(number, Tagged("e" + std::to_string(number)), "u2");
+        EXPECT_EQ(Submit(*store, number, "x", number == 2, "u1"), 0);
+        EXPECT_EQ(Submit(*store, number, "y", number == 2, "u2"), 0);
+    }
+    EXPECT_EQ(Finish(*store, 2, "u1"), 15);
+    EXPECT_EQ(Finish(*store, 2, "u2"), 0);
+    EXPECT_EQ(TagsSent(), "e1;e2;");
+}
+
 TEST_F(AsyncUpload, AnUnknownUploadIsReportedAndNothingIsSent) {
     const auto store = StoreWithThreads(1);
     m_log.Clear();
@@ -272,27 +311,38 @@ TEST_F(AsyncUpload, AFailedCompletionGivesItsStatusAndBothLinesAndForgetsTheUplo
     EXPECT_EQ(Finish(*store, 1), -1);
 }
 
-TEST_F(AsyncUpload, PartsAreSentAgainAfterAResetAndA503WithEveryByte) {
-    const auto store = StoreWithThreads(2);
+TEST_F(AsyncUpload, AnAnswerAfterASynchronousFinishIsReportedAndHarmsNothing) {
+    const auto store = StoreWithThreads(1);
     Open(*store);
     CompleteWith();
-    const std::string bytes(300000, 'b');
-    m_server.On("PUT", PartTarget(1))
-        .Once(Answer::Status(200).Reset(Place::RequestByte(1000)))
-        .Once(Tagged("e1"));
-    m_server.On("PUT", PartTarget(2))
-        .Once(Answer::S3Error(503, "SlowDown", "Slower"))
-        .Once(Tagged("e2"));
-    EXPECT_EQ(Submit(*store, 1, bytes, false), 0);
-    EXPECT_EQ(Submit(*store, 2, bytes, true), 0);
-    EXPECT_EQ(Finish(*store, 2), 0);
-    EXPECT_EQ(TagsSent(), "e1;e2;");
-    EXPECT_EQ(m_server.Faults(Fault::reset), 1);
-    int whole = 0;
-    for (const RecordedRequest& request : m_server.Requests()) {
-        whole += request.method == "PUT" && request.body == bytes ? 1 : 0;
+    Gate gate;
+    Part(1, Tagged("e1").Wait(Place::AnswerByte(0), gate));
+    EXPECT_EQ(Submit(*store, 1, "x", true), 0);
+    ASSERT_TRUE(gate.WaitUntilReached());
+    CloudStoreFinishMultiPartUploadContext finish;
+    finish.m_pszBucket = kBucket;
+    finish.m_pszKey = "k";
+    finish.m_pszUploadId = "u1";
+    finish.m_nPartCount = 1;
+    EXPECT_EQ(store->FinishMultiPartUpload(&finish), 0);
+    EXPECT_EQ(TagsSent(), ";") << "part 1 has no tag yet";
+    gate.Open();
+    while (m_log.CountContaining("AwsS3Store::HandleUploadPartAsync unknown error.") == 0) {
+        std::this_thread::yield();
     }
-    EXPECT_EQ(whole, 3) << "twice part 2, once part 1";
+    EXPECT_EQ(Finish(*store, 1), -1);
+}
+
+TEST_F(AsyncUpload, AnAbortedUploadStaysKnownUntilItsFinish) {
+    const auto store = StoreWithThreads(1);
+    Open(*store);
+    Part(1, Answer::S3Error(404, "NoSuchUpload", "Gone"));
+    m_server.On("DELETE", "/the-bucket/k?uploadId=u1").Once(Answer::Status(204));
+    EXPECT_EQ(Abort(*store), 0);
+    EXPECT_EQ(Submit(*store, 1, "x", true), 0);
+    EXPECT_EQ(Finish(*store, 1), StatusOf(Aws::S3::S3Errors::NO_SUCH_UPLOAD));
+    EXPECT_THAT(Completions(), IsEmpty());
+    EXPECT_EQ(Finish(*store, 1), -1);
 }
 
 TEST_F(AsyncUpload, TenThousandSmallPartsAreAllAccountedFor) {
@@ -331,6 +381,23 @@ TEST_F(AsyncUpload, AStoreReleasedWithPartsInFlightAnswersThemFirst) {
     opener.join();
     EXPECT_EQ(m_server.Requests().size(), 4u);
     EXPECT_EQ(m_log.CountContaining("is existed."), 2u);
+}
+
+TEST_F(AsyncUpload, AStoreReleasedWithUploadsOpenNeitherCompletesNorAbortsThem) {
+    {
+        const auto store = StoreWithThreads(2);
+        Open(*store, "untouched");
+        Open(*store, "answered");
+        Part(1, Tagged("e"), "answered");
+        EXPECT_EQ(Submit(*store, 1, "x", true, "answered"), 0);
+        AwaitAnswers(*store, 1, "answered");
+        Open(*store, "failed");
+        Part(1, Answer::S3Error(403, "AccessDenied", "No"), "failed");
+        EXPECT_EQ(Submit(*store, 1, "x", false, "failed"), 0);
+    }
+    EXPECT_EQ(m_server.Requests().size(), 5u);
+    EXPECT_THAT(Completions(), IsEmpty());
+    EXPECT_EQ(Aborts(), 0u);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 #include "platform/text.h"
+#include "tests/support/FailingAllocation.h"
 #include "tests/support/FaultyFiles.h"
 #include "tests/wire/Pages.h"
 #include "tests/wire/WireTest.h"
@@ -393,6 +396,133 @@ TEST_F(CopyThroughFile, AFileThatCannotBeDeletedMakesAGoodCopyAFailure) {
                                     ". ret:[80] "),
               1u);
     EXPECT_TRUE(SystemFiles().Delete(m_files.Name()).ok);
+}
+
+TEST_F(CopyThroughFile, AFileThatCannotBeDeletedReplacesAnEarlierFailure) {
+    ServeSource();
+    m_server.On("POST", "").Always(Answer::S3Error(403, "AccessDenied", "No"));
+    m_files.Fail(Call::remove, 80);
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 80);
+    EXPECT_EQ(Lines().back(), "Copy from " + Ends("s", "t") + " failed EC:[80].");
+    EXPECT_TRUE(SystemFiles().Delete(m_files.Name()).ok);
+}
+
+TEST_F(CopyThroughFile, AFileThatBecameShorterGives30AndNoObject) {
+    ServeSource();
+    ServeTarget();
+    for (const int turn : {1, 2, 3}) {
+        m_log.Clear();
+        const std::size_t aborts = Count("DELETE", "uploadId=u");
+        m_files.ReadShort(turn);
+        ExpectFailed(30);
+        EXPECT_EQ(m_log.CountContaining("[SYNC]:[AwsS3Store::UploadFileForCopyObject]:failed to "
+                                        "read file:[" +
+                                        File() + "].EC:[30]."),
+                  1u);
+        EXPECT_EQ(Count("POST", "uploadId=u"), 0u) << "nothing was completed";
+        EXPECT_EQ(Count("DELETE", "uploadId=u"), aborts + (turn > 1 ? 1 : 0))
+            << "aborted, unless no part had been tried";
+    }
+}
+
+TEST_F(CopyThroughFile, AnEmptyFileLeavesTheUploadOpenAndIsASuccess) {
+    ServeSource();
+    ServeTarget();
+    m_files.emptied = true;
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(Count("POST", "uploads"), 1u);
+    EXPECT_EQ(Count("PUT", "partNumber="), 0u);
+    EXPECT_EQ(Count("POST", "uploadId=u"), 0u);
+    EXPECT_EQ(Count("DELETE", ""), 0u);
+    EXPECT_FALSE(m_files.LeftBehind());
+    EXPECT_EQ(m_files.OpenFiles(), 0);
+}
+
+TEST_F(CopyThroughFile, BuffersWithoutMemoryGive14) {
+    ServeSource();
+    ServeTarget();
+    constexpr std::int32_t kOddBuffer = 12347;
+    m_store = StoreOfProvider(6, kOddBuffer);
+    m_copy.m_nPartSize = 34567;
+    {
+        const FailingAllocation failing(kOddBuffer);
+        ExpectFailed(14);
+    }
+    EXPECT_EQ(m_log.CountContaining("[AwsS3Store::DownloadFileForCopyObject]Failed to allocate "
+                                    "buffer, size: 12347."),
+              1u);
+    EXPECT_EQ(Count("GET", ""), 0u);
+    {
+        const FailingAllocation failing(34567);
+        ExpectFailed(14);
+    }
+    EXPECT_EQ(Count("POST", "uploads"), 0u) << "no upload was opened";
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+}
+
+TEST_F(CopyThroughFile, AResetOnEachWayIsMadeUpForWithEveryByte) {
+    m_server.On("GET", "/source-bucket/s")
+        .Once(Answer::Status(206).Body(m_bytes.substr(0, 65536)).Reset(Place::BodyByte(30000)));
+    m_server.On("PUT", "/target-bucket/t?partNumber=2")
+        .Once(Answer::Status(200).Reset(Place::RequestByte(50000)));
+    ServeSource();
+    ServeTarget();
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(m_server.Faults(Fault::reset), 2);
+    std::string sent;
+    for (const RecordedRequest& request : m_server.Requests()) {
+        if (request.complete && request.target.find("partNumber=") != std::string::npos) {
+            sent += request.body;
+        }
+    }
+    EXPECT_TRUE(sent == m_bytes);
+    EXPECT_FALSE(m_files.LeftBehind());
+}
+
+TEST_F(CopyThroughFile, AServerThatDiesOnEachWayLeavesNoFile) {
+    const int lost = StatusOf(Aws::S3::S3Errors::NETWORK_CONNECTION);
+    auto download = m_server.On("GET", "/source-bucket/s");
+    m_server.On("PUT", "/target-bucket/t?partNumber=2")
+        .Always(Answer::Status(200).Reset(Place::AnswerByte(0)));
+    ServeSource();
+    ServeTarget();
+    ExpectFailed(lost);
+    EXPECT_EQ(Count("DELETE", "uploadId=u"), 1u);
+    EXPECT_EQ(Count("POST", "uploadId=u"), 0u);
+    download.Always(Answer::Status(206).Reset(Place::AnswerByte(0)));
+    ExpectFailed(lost);
+    EXPECT_EQ(Count("POST", "uploads"), 1u) << "only the first copy opened one";
+}
+
+TEST_F(CopyThroughFile, ConcurrentCopiesUseFilesOfTheirOwn) {
+    ServeSource();
+    ServeTarget();
+    std::vector<std::thread> hosts;
+    std::atomic<int> good{0};
+    for (int host = 0; host < 4; ++host) {
+        hosts.emplace_back([&] {
+            // a store for each, as reads through one work buffer must not overlap
+            const auto store = StoreOfProvider(6);
+            CloudStoreCopyObjectContext copy = m_copy;
+            good += store->CopyObject(&copy) == 0 ? 1 : 0;
+        });
+    }
+    for (std::thread& host : hosts) {
+        host.join();
+    }
+    EXPECT_EQ(good, 4);
+    EXPECT_EQ(m_files.OpenFiles(), 0);
+    EXPECT_EQ(m_files.Names().size(), 4u);
+    for (const std::wstring& name : m_files.Names()) {
+        EXPECT_FALSE(SystemFiles().Exists(name));
+    }
+    int whole = 0;
+    for (const RecordedRequest& request : m_server.Requests()) {
+        if (request.target.find("partNumber=1") != std::string::npos) {
+            whole += request.body == m_bytes.substr(0, 100000) ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(whole, 4);
 }
 
 TEST_F(CopyThroughFile, SizesThatWouldLoopForEverGive87BeforeAnythingIsCreated) {

@@ -281,6 +281,63 @@ TEST_F(MultiPart, AFailedFinishGivesItsStatusAndBothLinesAlsoUnderStatus200) {
     }
 }
 
+TEST_F(MultiPart, APartThatIsResetOrTurnedAwayIsSentAgainWhole) {
+    const auto store = MakeStore();
+    Open(*store);
+    std::string bytes;
+    for (int i = 0; i < 300000; ++i) {
+        bytes += static_cast<char>((i * 31 + i / 251) % 256);
+    }
+    m_server.Next(Taken("e").Reset(Place::RequestByte(100000)));
+    m_server.Next(Answer::S3Error(503, "SlowDown", "Slower"));
+    m_server.Next(Taken("e").Reset(Place::AnswerByte(10)));
+    m_server.Next(Taken("e"));
+    EXPECT_EQ(Send(*store, 1, bytes), 0);
+    const auto requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 5u);
+    EXPECT_FALSE(requests[1].complete);
+    EXPECT_TRUE(bytes.compare(0, requests[1].body.size(), requests[1].body) == 0);
+    for (std::size_t attempt = 2; attempt <= 4; ++attempt) {
+        EXPECT_TRUE(requests[attempt].complete && requests[attempt].body == bytes) << attempt;
+    }
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 1), 0);
+    EXPECT_EQ(Last().body, PartList({"e"}));
+    EXPECT_THAT(Lines(), IsEmpty());
+}
+
+TEST_F(MultiPart, OfThePartNumberTheLow32BitsCount) {
+    const auto store = MakeStore();
+    Open(*store);
+    m_server.Next(Taken("e2"));
+    EXPECT_EQ(Send(*store, (std::uint64_t{1} << 32) + 2, "x"), 0);
+    EXPECT_THAT(Last().target, HasSubstr("partNumber=2&"));
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 2), 0);
+    EXPECT_EQ(Last().body, PartList({"", "e2"}));
+}
+
+TEST_F(MultiPart, AnEmptyPartIsSentAsNoBytes) {
+    const auto store = MakeStore();
+    Open(*store);
+    m_server.Next(Taken("e"));
+    EXPECT_EQ(Send(*store, 1, ""), 0);
+    EXPECT_EQ(Last().Value("content-length"), "0");
+    EXPECT_EQ(Last().body, "");
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 1), 0);
+}
+
+TEST_F(MultiPart, ARangeBeyond32BitsIsNamedInFull) {
+    const auto store = MakeStore();
+    Open(*store);
+    m_server.Next(Answer::Status(200).Body("<CopyPartResult><ETag>e</ETag></CopyPartResult>"));
+    EXPECT_EQ(CopyPart(*store, 1, 5368709120u, 18446744073709551615u), 0);
+    EXPECT_EQ(Last().Value("x-amz-copy-source-range"), "bytes=5368709120-18446744073709551615");
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 1), 0);
+}
+
 TEST_F(MultiPart, AnUnknownUploadIsReportedAndNothingIsSent) {
     const auto store = MakeStore();
     EXPECT_EQ(Send(*store, 1, "x"), -1);
