@@ -5,9 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "log/dbg/LinePrefix.h"
 #include "platform/format.h"
-#include "platform/process.h"
 
 namespace {
 
@@ -117,41 +115,6 @@ TEST(Format, APaddingBeyondTheRoomIsCutToo) {
     wchar_t wide[8];
     EXPECT_EQ(FormatBounded(wide, 8, L"%-300d", 5), -1);
     EXPECT_STREQ(wide, L"5      ");
-}
-
-// --- The line layout
-
-Mirqos::LinePrefix Prefix(int errorCode) {
-    return {{2024, 3, 9, 7, 5, 1, 42}, 1, 321, 98765, errorCode};
-}
-
-std::string Text(const Mirqos::LinePrefix& prefix) {
-    char text[kRoom];
-    const int result = FormatLinePrefix(text, sizeof(text), prefix);
-    EXPECT_EQ(result, static_cast<int>(std::string(text).size()));
-    return text;
-}
-
-TEST(LinePrefix, WithoutAnErrorCode13BlanksTakeItsPlace) {
-    EXPECT_EQ(Text(Prefix(0)), "[2024/03/09 07:05:01:042   01   00321   98765             ] ");
-}
-
-TEST(LinePrefix, AnErrorCodeIsPrintedInHexadecimal) {
-    EXPECT_EQ(Text(Prefix(0x1f)), "[2024/03/09 07:05:01:042   01   00321   98765   0X0000001f] ");
-    EXPECT_EQ(Text(Prefix(-1)), "[2024/03/09 07:05:01:042   01   00321   98765   0Xffffffff] ");
-}
-
-TEST(LinePrefix, BothFormsAreEquallyLong) {
-    EXPECT_EQ(Text(Prefix(0)).size(), Text(Prefix(5)).size());
-}
-
-TEST(LinePrefix, TheCurrentPrefixNamesThisProcessAndThread) {
-    const Mirqos::LinePrefix prefix = Mirqos::CurrentLinePrefix(2, 7);
-    EXPECT_EQ(prefix.processId, Mirqos::CurrentProcessId());
-    EXPECT_EQ(prefix.threadId, Mirqos::CurrentThreadId());
-    EXPECT_EQ(prefix.level, 2);
-    EXPECT_EQ(prefix.errorCode, 7);
-    EXPECT_GE(prefix.time.year, 2024);
 }
 
 }  // namespace
