@@ -37,7 +37,7 @@ WideString Below(WideView folder, const WideString& name) {
 }  // namespace
 
 WideString UpdateManagerPath(WideView rootPath) {
-    return Below(rootPath, "Update Manager"_w);
+    return rootPath.empty() ? WideString() : Below(rootPath, "Update Manager"_w);
 }
 
 unsigned ComponentKindOf(WideView libraryPath, unsigned nInstallKinds, const InstallPaths& paths) {

@@ -22,7 +22,7 @@ struct InstallPaths {
     WideString m_updateManager;
 };
 
-/// The folder of the update manager under the product's root.
+/// The folder of the update manager under the product's root; empty where there is no root.
 WideString UpdateManagerPath(WideView rootPath);
 
 /// The one component that the library at `libraryPath` belongs to.
