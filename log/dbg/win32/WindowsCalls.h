@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <aclapi.h>
+#include <rpc.h>
 
 #include "platform/undo_windows_macros.h"
 
@@ -20,6 +21,8 @@ struct WindowsCalls {
     decltype(&::SetEvent) setEvent = &::SetEvent;
     decltype(&::WaitForSingleObject) waitForSingleObject = &::WaitForSingleObject;
 
+    decltype(&::UuidCreate) uuidCreate = &::UuidCreate;
+
     decltype(&::CreateFileMappingW) createFileMapping = &::CreateFileMappingW;
     decltype(&::OpenFileMappingW) openFileMapping = &::OpenFileMappingW;
     decltype(&::MapViewOfFile) mapViewOfFile = &::MapViewOfFile;
@@ -28,7 +31,7 @@ struct WindowsCalls {
     decltype(&::ReadFile) readFile = &::ReadFile;
     decltype(&::WriteFile) writeFile = &::WriteFile;
     decltype(&::SetFilePointerEx) setFilePointer = &::SetFilePointerEx;
-    decltype(&::GetFileSize) getFileSize = &::GetFileSize;
+    decltype(&::GetFileSizeEx) getFileSizeEx = &::GetFileSizeEx;
     decltype(&::FlushFileBuffers) flushFileBuffers = &::FlushFileBuffers;
     decltype(&::CreateDirectoryW) createDirectory = &::CreateDirectoryW;
     decltype(&::GetFileAttributesW) getFileAttributes = &::GetFileAttributesW;
@@ -43,6 +46,7 @@ struct WindowsCalls {
     decltype(&::RegOpenKeyExW) regOpenKey = &::RegOpenKeyExW;
     decltype(&::GetVersionExW) getVersion = &::GetVersionExW;
     decltype(&::GetComputerNameW) getComputerName = &::GetComputerNameW;
+    decltype(&::GetNativeSystemInfo) getNativeSystemInfo = &::GetNativeSystemInfo;
 };
 
 /// The calls in use. Built on first use, so that it serves while the library is being loaded.
