@@ -76,4 +76,44 @@ TEST_F(Copy, AMissingSourceIsAFailureOrForgiven) {
     EXPECT_TRUE(copy.m_bSourceMissing);
 }
 
+TEST_F(Copy, AMissingLargeSourceIsAFailureOrForgivenAndLeavesNothing) {
+    const auto store = StoreOfProvider(6);
+    FaultyFiles files;
+    auto copy = CopyOf("missing", "target");
+    copy.m_nSrcSize = 20 * kMiB;
+    EXPECT_EQ(store->CopyObject(&copy),
+              static_cast<std::int32_t>(Aws::S3::S3Errors::RESOURCE_NOT_FOUND));
+    copy.m_bIgnoreMissingSource = true;
+    EXPECT_EQ(store->CopyObject(&copy), 0);
+    EXPECT_TRUE(copy.m_bSourceMissing);
+    EXPECT_TRUE(files.Name().empty()) << "nothing was fetched";
+    CloudStoreListPartContext list;
+    list.m_pszBucket = Bucket().c_str();
+    list.m_pszPrefix = "";
+    EXPECT_EQ(store->ListMultipartUploads(&list), 0);
+    EXPECT_TRUE(list.m_lstParts.empty());
+}
+
+TEST_F(Copy, AFileThatCannotBeReadOnlyLeavesAnUploadOpenBeforeTheFirstPart) {
+    const auto store = StoreOfProvider(6);
+    ASSERT_EQ(Write(*store, "source", SomeBytes(20 * kMiB)), 0);
+    for (const int turn : {1, 2}) {
+        FaultyFiles files;
+        files.Fail(FaultyFiles::Call::read, 79, turn);
+        auto copy = CopyOf("source", "target");
+        EXPECT_EQ(store->CopyObject(&copy), 79);
+        EXPECT_FALSE(files.LeftBehind());
+        EXPECT_EQ(files.OpenFiles(), 0);
+    }
+    CloudStoreListPartContext list;
+    list.m_pszBucket = Bucket().c_str();
+    list.m_pszPrefix = "";
+    EXPECT_EQ(store->ListMultipartUploads(&list), 0);
+    EXPECT_EQ(list.m_lstParts.size(), 1u) << "that of the first copy";
+    CloudStoreHeadObjectConext head;
+    head.m_pszBucket = Bucket().c_str();
+    head.m_pszKey = "target";
+    EXPECT_NE(store->HeadObject(&head), 0);
+}
+
 }  // namespace
