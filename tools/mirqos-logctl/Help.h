@@ -1,0 +1,8 @@
+#pragma once
+
+namespace Mirqos::LogControl {
+
+/// What --help prints.
+extern const char* const kHelp;
+
+}  // namespace Mirqos::LogControl
