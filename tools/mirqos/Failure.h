@@ -12,6 +12,7 @@ enum class ExitCode : int {
     Usage = 2,            ///< the command line or the environment is wrong
     LocalFile = 3,        ///< a file of this machine could not be read or written
     NotFound = 4,         ///< the answer is "no": what was asked about is not there
+    Differs = 5,          ///< what is stored is not what the backup says
     Interrupted = 130,    ///< Ctrl-C, as shells report it
 };
 

@@ -58,7 +58,8 @@ constexpr const char* kExitCodes =
     "  1    the service or the network refused or failed; the message has the status\n"
     "  2    the command line or the environment is wrong\n"
     "  3    a file of this machine could not be read or written\n"
-    "  4    find, stat: there is no such object\n"
+    "  4    find, stat: there is no such object; restore, verify: no such backup\n"
+    "  5    verify: something is missing, differs or is there besides\n"
     "  130  interrupted with Ctrl-C\n";
 
 constexpr const char* kJson =
@@ -77,13 +78,14 @@ constexpr const char* kExample =
     "  mirqos put holiday.jpg s3://photos/2024/holiday.jpg\n"
     "  mirqos ls -h s3://photos/2024/\n"
     "  mirqos get s3://photos/2024/holiday.jpg copy.jpg\n"
+    "  mirqos backup Pictures s3://photos/backup\n"
     "  (in the Windows command prompt: set NAME=value, one on each line)\n";
 
 }  // namespace
 
 std::string ProgramHelp(const std::vector<Command>& commands) {
     std::string text =
-        "mirqos - stores files as objects on Amazon S3 and compatible services\n"
+        "mirqos - backs up folders and stores files on Amazon S3 and compatible services\n"
         "\n"
         "Usage: mirqos [OPTION...] COMMAND [OPERAND...]\n"
         "\n"

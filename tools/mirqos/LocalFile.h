@@ -6,6 +6,20 @@
 
 namespace Mirqos::Tool {
 
+/// A moment in steps of 100 ns since 1970 began (UTC), the finest that all systems keep of files.
+using FileTime = std::int64_t;
+
+/// What tells without reading a file whether it is still the same.
+struct FileState {
+    std::uint64_t size = 0;
+    FileTime modified = 0;  ///< when its contents were changed last
+
+    bool operator==(const FileState& rhs) const {
+        return size == rhs.size && modified == rhs.modified;
+    }
+    bool operator!=(const FileState& rhs) const { return !(*this == rhs); }
+};
+
 /// An open file of this machine; names are UTF-8. Every failure throws Failure (LocalFile) that
 /// names the file and says what the system says. Movable, closed by the destructor.
 class LocalFile {
@@ -21,11 +35,14 @@ public:
     LocalFile& operator=(const LocalFile&) = delete;
     ~LocalFile();
 
-    std::uint64_t Size() const;
+    FileState State() const;
+    std::uint64_t Size() const { return State().size; }
     /// Reads on from where the last read ended. Less than `size` only at the end of the file.
     std::size_t Read(unsigned char* to, std::size_t size);
     /// Writes all of it. Several threads may write different places at once.
     void WriteAt(std::uint64_t offset, const unsigned char* from, std::size_t size);
+    /// Of a file that was created.
+    void SetModified(FileTime time);
     /// Returns when the contents have reached the disk.
     void Flush();
     void Close();

@@ -24,9 +24,9 @@ LocalFile CreatePart(const std::string& name, const std::string& partName) {
 
 }  // namespace
 
-PartFile::PartFile(std::string name)
+PartFile::PartFile(std::string name, std::string partName)
     : m_name(std::move(name)),
-      m_partName(m_name + ".part"),
+      m_partName(std::move(partName)),
       m_file(CreatePart(m_name, m_partName)) {
 }
 

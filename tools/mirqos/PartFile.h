@@ -14,7 +14,9 @@ class PartFile {
 public:
     /// Throws Failure (LocalFile) also when NAME is a folder or NAME.part exists: another run may
     /// be using that one, and it may be the user's own.
-    explicit PartFile(std::string name);
+    explicit PartFile(const std::string& name) : PartFile(name, name + ".part") {}
+    /// The bytes are collected in `partName`, on the same file system.
+    PartFile(std::string name, std::string partName);
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
     ~PartFile();
@@ -25,6 +27,9 @@ public:
     void WriteAt(std::uint64_t offset, const unsigned char* from, std::size_t size) {
         m_file.WriteAt(offset, from, size);
     }
+
+    /// What the file will say of when it was changed; without it, now.
+    void SetModified(FileTime time) { m_file.SetModified(time); }
 
     /// Brings the bytes to the disk and gives the file its name, replacing one that has it. On
     /// failure, a Failure (LocalFile), the old file is untouched.

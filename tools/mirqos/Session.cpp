@@ -23,7 +23,8 @@ Session::Session(const Settings& settings)
     : m_settings(settings), m_engine(true, StartWith(settings)) {
 }
 
-StorePointer Session::OpenStore(const std::string& bucket, std::uint64_t readRoom) const {
+StorePointer Session::OpenStore(const std::string& bucket, std::uint64_t readRoom,
+                                unsigned asyncThreads) const {
     assert(readRoom <= std::numeric_limits<std::int32_t>::max());
     CloudStoreConfigInfo config;
     config.m_pszBucket = bucket.c_str();
@@ -34,7 +35,7 @@ StorePointer Session::OpenStore(const std::string& bucket, std::uint64_t readRoo
     config.m_bUseHttps = m_settings.https ? 1 : 0;
     config.m_nProviderType = m_settings.provider;
     config.m_nBufferSize = static_cast<std::int32_t>(readRoom);
-    // no executor: nothing asynchronous is asked of it, the program's own threads call
+    config.m_nThreadCount = static_cast<std::int32_t>(asyncThreads);
     StorePointer store(CreateCloudStoreInterface(nullptr));
     const std::int32_t status = store->Init(&config);
     if (status != 0) {

@@ -22,8 +22,10 @@ public:
     explicit Session(const Settings& settings);
 
     /// A store for one thread's reads, or for any number of other calls. `readRoom`: the most that
-    /// one ReadObject may ask for, at most 2^31 - 1; 0 where nothing is read.
-    StorePointer OpenStore(const std::string& bucket, std::uint64_t readRoom) const;
+    /// one ReadObject may ask for, at most 2^31 - 1; 0 where nothing is read. `asyncThreads`: of
+    /// the library, for asynchronous calls; 0 where there are none.
+    StorePointer OpenStore(const std::string& bucket, std::uint64_t readRoom,
+                           unsigned asyncThreads = 0) const;
 
 private:
     const Settings& m_settings;

@@ -77,6 +77,10 @@ std::string FormatSize(std::uint64_t bytes) {
     }
 }
 
+std::string CountOf(std::uint64_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
 std::string FormatDuration(std::uint64_t seconds) {
     const std::uint64_t minutes = seconds / 60;
     if (minutes < 60) {
@@ -106,6 +110,16 @@ bool IsUtf8(std::string_view text) {
         text.remove_prefix(length);
     }
     return true;
+}
+
+std::string FormatHex(const unsigned char* bytes, std::size_t count) {
+    static constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        text += kDigits[bytes[i] >> 4U];
+        text += kDigits[bytes[i] & 0x0FU];
+    }
+    return text;
 }
 
 std::string PadLeft(const std::string& text, std::size_t columns) {

@@ -11,6 +11,9 @@ namespace Mirqos::Tool {
 /// "0 B", "1023 B", "1.5 KiB", "20.0 MiB": binary units, one decimal, rounded to the nearest.
 std::string FormatSize(std::uint64_t bytes);
 
+/// "1 file", "2 files".
+std::string CountOf(std::uint64_t count, const std::string& thing);
+
 /// "0:07", "12:05", "1:02:03". Fractions of a second are dropped.
 std::string FormatDuration(std::uint64_t seconds);
 
@@ -20,6 +23,9 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text, std::uint64_t le
 
 /// Whether a text is well-formed UTF-8: no overlong forms, no surrogates, nothing past U+10FFFF.
 bool IsUtf8(std::string_view text);
+
+/// Two lower-case hexadecimal digits for each byte.
+std::string FormatHex(const unsigned char* bytes, std::size_t count);
 
 /// The text with blanks in front, so that it has at least `columns` bytes.
 std::string PadLeft(const std::string& text, std::size_t columns);

@@ -4,10 +4,10 @@ namespace Mirqos::Tool {
 
 const std::vector<Command>& Commands() {
     static const std::vector<Command> commands = {
-        PutCommand(),          GetCommand(),     RemoveCommand(),   ListCommand(),
-        FindCommand(),         StatCommand(),    TagCommand(),      MakeBucketCommand(),
-        RemoveBucketCommand(), BucketsCommand(), LocationCommand(), LifecycleCommand(),
-        UploadsCommand()};
+        BackupCommand(),   RestoreCommand(),    PutCommand(),          GetCommand(),
+        RemoveCommand(),   ListCommand(),       FindCommand(),         StatCommand(),
+        TagCommand(),      MakeBucketCommand(), RemoveBucketCommand(), BucketsCommand(),
+        LocationCommand(), LifecycleCommand(),  UploadsCommand()};
     return commands;
 }
 

@@ -10,6 +10,8 @@ namespace Mirqos::Tool {
 const std::vector<Command>& Commands();
 
 // The rows, each in a source of its own.
+Command BackupCommand();
+Command RestoreCommand();
 Command PutCommand();
 Command GetCommand();
 Command MakeBucketCommand();

@@ -7,7 +7,7 @@
 #include "tools/mirqos/ObjectUrl.h"
 #include "tools/mirqos/PartFile.h"
 #include "tools/mirqos/Progress.h"
-#include "tools/mirqos/RangedDownload.h"
+#include "tools/mirqos/RangeRead.h"
 #include "tools/mirqos/Session.h"
 #include "tools/mirqos/Statuses.h"
 #include "tools/mirqos/Stopwatch.h"
@@ -30,27 +30,13 @@ std::optional<std::uint64_t> GivenSize(const Invocation& invocation) {
     return size;
 }
 
-RangeAnswer Read(MIRQOSInterface& store, const ObjectUrl& url, std::uint64_t first,
-                 std::uint64_t last, unsigned char* to) {
-    CloudStoreReadObjectContext read;
-    read.m_pszBucket = url.bucket.c_str();
-    read.m_pszKey = url.key.c_str();
-    read.m_pBuf = to;
-    read.m_nReadLen = last >= first ? last - first + 1 : RangedDownload::kRoom;
-    read.m_nReadSize = 0;
-    read.m_nRangeStart = first;
-    read.m_nRangeEnd = last;
-    const std::int32_t status = store.ReadObject(&read);
-    return {status, read.m_nReadSize};
-}
-
 /// Whether an object is empty whose first range could not be read. No range of an empty object can
 /// be, and the status that says so says other things as well. But a range that ends before it
 /// begins is none, as HTTP has it, and is answered with the whole object: a success without a byte
 /// is proof. Services that refuse such a range prove nothing, so this never says yes wrongly.
 bool IsProvenEmpty(MIRQOSInterface& store, const ObjectUrl& url) {
     const auto buffer = std::make_unique<unsigned char[]>(RangedDownload::kRoom);
-    const RangeAnswer answer = Read(store, url, 1, 0, buffer.get());
+    const RangeAnswer answer = ReadRange(store, url, 1, 0, buffer.get());
     return answer.status == 0 && answer.count == 0;
 }
 
@@ -101,7 +87,7 @@ private:
             std::shared_ptr<MIRQOSInterface> store =
                 session.OpenStore(m_url.bucket, RangedDownload::kRoom);
             return [this, store](std::uint64_t first, std::uint64_t last, unsigned char* to) {
-                return Read(*store, m_url, first, last, to);
+                return ReadRange(*store, m_url, first, last, to);
             };
         };
         const RangedDownload::Result result = download.Run();

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 
 #include "tools/mirqos/Answer.h"
@@ -7,20 +6,16 @@
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/KeyList.h"
 #include "tools/mirqos/LocalFile.h"
+#include "tools/mirqos/ObjectRemoval.h"
 #include "tools/mirqos/ObjectUrl.h"
-#include "tools/mirqos/PackedTexts.h"
 #include "tools/mirqos/Session.h"
 #include "tools/mirqos/Statuses.h"
-#include "tools/mirqos/StoredKey.h"
 #include "tools/mirqos/Text.h"
 #include "tools/mirqos/commands/Commands.h"
 
 namespace Mirqos::Tool {
 
 namespace {
-
-// what S3 takes in one request
-constexpr std::size_t kKeysPerRequest = 1000;
 
 std::string ReadAllInput() {
     std::string text;
@@ -66,7 +61,8 @@ public:
         if (m_keys.size() == 1) {
             RemoveOne(*store, {m_bucket.bucket, m_keys.front()});
         } else {
-            RemoveMany(*store);
+            RemoveObjects(*store, m_invocation.settings.provider, m_bucket.bucket, m_keys,
+                          m_invocation.interruption);
         }
         const auto remaining = m_verify ? Remaining(*store) : std::vector<std::string>();
         Tell(remaining);
@@ -89,28 +85,6 @@ private:
         remove.m_pszBucket = url.bucket.c_str();
         remove.m_pszKey = url.key.c_str();
         CheckStatus(store.DeleteObject(&remove), "DeleteObject", url, store);
-    }
-
-    void RemoveMany(MIRQOSInterface& store) const {
-        for (std::size_t done = 0; done < m_keys.size(); done += kKeysPerRequest) {
-            m_invocation.interruption.CheckPoint();
-            std::vector<std::string> batch;
-            const std::size_t end = std::min(m_keys.size(), done + kKeysPerRequest);
-            for (std::size_t i = done; i < end; ++i) {
-                batch.push_back(StoredKey(m_invocation.settings.provider, m_keys[i]));
-            }
-            const std::string packed = PackTexts(batch);
-            CloudStoreDeleteObjectsContextV2 remove;
-            remove.m_pszBucket = m_bucket.bucket.c_str();
-            remove.m_pKeys = packed.data();
-            try {
-                CheckStatus(store.DeleteObjectsV2(&remove), "DeleteObjectsV2", m_bucket, store);
-            } catch (const Failure& failure) {
-                throw Failure(failure.Code(), std::string(failure.what()) + "; " +
-                                                  std::to_string(done) + " of " + Count() +
-                                                  " had been accepted before");
-            }
-        }
     }
 
     /// The keys of which the service says that they still exist.

@@ -5,22 +5,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include "tools/mirqos/Failure.h"
 #include "tools/mirqos/Text.h"
+#include "tools/mirqos/posix/FileStatus.h"
 
 namespace Mirqos::Tool {
 
 namespace {
-
-[[noreturn]] void FailWith(int error, const std::string& doing, const std::string& name) {
-    throw Failure(ExitCode::LocalFile, "cannot " + doing + " '" + Printable(name) +
-                                           "': " + std::generic_category().message(error));
-}
 
 int Descriptor(std::intptr_t handle) {
     return static_cast<int>(handle);
@@ -79,12 +75,12 @@ void LocalFile::Fail(const char* doing) const {
     FailWith(errno, doing, m_name);
 }
 
-std::uint64_t LocalFile::Size() const {
+FileState LocalFile::State() const {
     struct stat info {};
     if (::fstat(Descriptor(m_handle), &info) != 0) {
         Fail("examine");
     }
-    return static_cast<std::uint64_t>(info.st_size);
+    return StateOf(info);
 }
 
 std::size_t LocalFile::Read(unsigned char* to, std::size_t size) {
@@ -115,6 +111,14 @@ void LocalFile::WriteAt(std::uint64_t offset, const unsigned char* from, std::si
         } else if (errno != EINTR) {
             Fail("write");
         }
+    }
+}
+
+void LocalFile::SetModified(FileTime time) {
+    const timespec modified = TimespecOf(time);
+    const std::array<timespec, 2> times = {modified, modified};
+    if (::futimens(Descriptor(m_handle), times.data()) != 0) {
+        Fail("set the time of");
     }
 }
 

@@ -3,26 +3,15 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 #include "tools/mirqos/Failure.h"
 #include "tools/mirqos/Text.h"
-#include "tools/mirqos/win32/Wide.h"
+#include "tools/mirqos/win32/FileStatus.h"
 
 namespace Mirqos::Tool {
 
 namespace {
-
-[[noreturn]] void FailWith(DWORD error, const std::string& doing, const std::string& name) {
-    std::string reason = std::system_category().message(static_cast<int>(error));
-    while (!reason.empty() && (reason.back() == '\n' || reason.back() == '\r')) {
-        reason.pop_back();
-    }
-    throw Failure(ExitCode::LocalFile, "cannot " + doing + " '" + Printable(name) +
-                                           "': " + Printable(reason) + " (error " +
-                                           std::to_string(error) + ")");
-}
 
 HANDLE SystemHandle(std::intptr_t handle) {
     return reinterpret_cast<HANDLE>(handle);
@@ -37,7 +26,7 @@ LocalFile LocalFile::OpenForReading(const std::string& name) {
     if (IsFolder(name)) {
         throw Failure(ExitCode::LocalFile, "'" + Printable(name) + "' is not an ordinary file");
     }
-    const HANDLE handle = CreateFileW(ToWide(name).c_str(), GENERIC_READ, kShareAll, nullptr,
+    const HANDLE handle = CreateFileW(SystemPath(name).c_str(), GENERIC_READ, kShareAll, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         FailWith(GetLastError(), "open", name);
@@ -51,7 +40,7 @@ LocalFile LocalFile::OpenForReading(const std::string& name) {
 
 LocalFile LocalFile::CreateNew(const std::string& name) {
     const HANDLE handle =
-        CreateFileW(ToWide(name).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+        CreateFileW(SystemPath(name).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
                     nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         FailWith(GetLastError(), "create", name);
@@ -82,12 +71,12 @@ void LocalFile::Fail(const char* doing) const {
     FailWith(GetLastError(), doing, m_name);
 }
 
-std::uint64_t LocalFile::Size() const {
-    LARGE_INTEGER size{};
-    if (GetFileSizeEx(SystemHandle(m_handle), &size) == 0) {
+FileState LocalFile::State() const {
+    const auto state = StateOf(SystemHandle(m_handle));
+    if (!state) {
         Fail("examine");
     }
-    return static_cast<std::uint64_t>(size.QuadPart);
+    return *state;
 }
 
 std::size_t LocalFile::Read(unsigned char* to, std::size_t size) {
@@ -125,6 +114,13 @@ void LocalFile::WriteAt(std::uint64_t offset, const unsigned char* from, std::si
     }
 }
 
+void LocalFile::SetModified(FileTime time) {
+    const FILETIME modified = SystemTimeOf(time);
+    if (SetFileTime(SystemHandle(m_handle), nullptr, nullptr, &modified) == 0) {
+        Fail("set the time of");
+    }
+}
+
 void LocalFile::Flush() {
     if (FlushFileBuffers(SystemHandle(m_handle)) == 0) {
         Fail("write");
@@ -139,23 +135,23 @@ void LocalFile::Close() {
 }
 
 void MoveOver(const std::string& from, const std::string& to) {
-    if (MoveFileExW(ToWide(from).c_str(), ToWide(to).c_str(),
+    if (MoveFileExW(SystemPath(from).c_str(), SystemPath(to).c_str(),
                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
         FailWith(GetLastError(), "write", to);
     }
 }
 
 bool RemoveFile(const std::string& name) noexcept {
-    return DeleteFileW(ToWide(name).c_str()) != 0 || GetLastError() == ERROR_FILE_NOT_FOUND;
+    return DeleteFileW(SystemPath(name).c_str()) != 0 || GetLastError() == ERROR_FILE_NOT_FOUND;
 }
 
 bool IsFolder(const std::string& name) {
-    const DWORD attributes = GetFileAttributesW(ToWide(name).c_str());
+    const DWORD attributes = GetFileAttributesW(SystemPath(name).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 bool FileExists(const std::string& name) {
-    return GetFileAttributesW(ToWide(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+    return GetFileAttributesW(SystemPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 }  // namespace Mirqos::Tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "tools/mirqos/Interruption.h"
+
+namespace Mirqos::Tool {
+
+/// A folder's own place for files that are not whole yet, so that their names meet no other's. It
+/// is removed at the end with what is still in it, also when the user ends the program.
+class PartFolder {
+public:
+    /// Makes FOLDER/.mirqos. Throws Failure (LocalFile) also where it exists.
+    PartFolder(const std::string& folder, Interruption& interruption);
+    PartFolder(const PartFolder&) = delete;
+    PartFolder& operator=(const PartFolder&) = delete;
+    ~PartFolder();
+
+    /// A name in it for the file of this number.
+    std::string NameOf(std::size_t number) const;
+
+private:
+    std::string m_name;
+    Interruption::Cleanup m_cleanup;
+};
+
+}  // namespace Mirqos::Tool
