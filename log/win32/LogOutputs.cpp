@@ -1,10 +1,11 @@
 #include "log/LogOutputs.h"
 
+#include "log/dbg/win32/CFileOutput.h"
+
 namespace Mirqos {
 
-// Log files and the live channel are the logging library's; this build has none.
 std::unique_ptr<IDBGLogOutput> CreateFileLogOutput() {
-    return nullptr;
+    return std::make_unique<NSDBG::CFileOutput>();
 }
 
 std::unique_ptr<IDBGLogOutput> CreateChannelLogOutput() {
