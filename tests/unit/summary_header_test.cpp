@@ -42,9 +42,9 @@ TEST(SummaryHeader, SixLinesFollowInThisOrder) {
 
 TEST(SummaryHeader, AnUpdateIsNamedOnlyWhenThereIsOne) {
     SummaryFacts facts = Facts();
-    facts.m_version.m_dwUpdate = 3;
+    facts.m_version.m_dwUpdate = 1;
     EXPECT_EQ(SummaryLines(facts)[1],
-              "Product Info: [Quorvane (USA) LLC] [quorvane Halvestor] Ver[r11.5 (Update 3)]"_w);
+              "Product Info: [Quorvane (USA) LLC] [quorvane Halvestor] Ver[r11.5 (Update 1)]"_w);
     facts.m_version = {};
     EXPECT_EQ(SummaryLines(facts)[1],
               "Product Info: [Quorvane (USA) LLC] [quorvane Halvestor] Ver[r0.0]"_w);
