@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "RefusingServer.h"
+#include "OneAnswerServer.h"
 #include "Surface.h"
 
 namespace {
@@ -126,7 +126,7 @@ public:
 
 private:
     Checks& m_checks;
-    RefusingServer m_server;
+    OneAnswerServer m_server;
     MIRQOSInterface* m_store = CreateCloudStoreInterface(nullptr);
 };
 

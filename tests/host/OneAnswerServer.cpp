@@ -1,4 +1,4 @@
-#include "RefusingServer.h"
+#include "OneAnswerServer.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
@@ -7,13 +7,15 @@
 using boost::asio::ip::tcp;
 namespace http = boost::beast::http;
 
-RefusingServer::RefusingServer()
-    : m_acceptor(m_context, tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)),
+OneAnswerServer::OneAnswerServer(unsigned status, std::string body)
+    : m_status(status),
+      m_body(std::move(body)),
+      m_acceptor(m_context, tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)),
       m_port(m_acceptor.local_endpoint().port()),
       m_thread([this] { Serve(); }) {
 }
 
-RefusingServer::~RefusingServer() {
+OneAnswerServer::~OneAnswerServer() {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_stopping = true;
@@ -26,12 +28,12 @@ RefusingServer::~RefusingServer() {
     m_thread.join();
 }
 
-std::vector<std::string> RefusingServer::TakeRequests() {
+std::vector<std::string> OneAnswerServer::TakeRequests() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return std::exchange(m_requests, {});
 }
 
-void RefusingServer::Serve() {
+void OneAnswerServer::Serve() {
     for (;;) {
         tcp::socket connection(m_context);
         boost::system::error_code error;
@@ -46,7 +48,7 @@ void RefusingServer::Serve() {
     }
 }
 
-void RefusingServer::Answer(tcp::socket& connection) {
+void OneAnswerServer::Answer(tcp::socket& connection) {
     boost::beast::flat_buffer buffer;
     http::request<http::string_body> request;
     boost::system::error_code error;
@@ -59,9 +61,9 @@ void RefusingServer::Answer(tcp::socket& connection) {
         m_requests.push_back(std::string(request.method_string()) + " " +
                              std::string(request.target()));
     }
-    http::response<http::empty_body> response(http::status::forbidden, 11);
+    http::response<http::string_body> response(static_cast<http::status>(m_status), 11, m_body);
     response.keep_alive(false);
-    response.content_length(0);
+    response.prepare_payload();
     http::write(connection, response, error);
     connection.shutdown(tcp::socket::shutdown_both, error);
 }
