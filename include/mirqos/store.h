@@ -111,8 +111,11 @@ public:
     /// Completes an upload whose parts were sent with MultiPartUpload or MultiPartCopy.
     virtual std::int32_t FinishMultiPartUpload(CloudStoreFinishMultiPartUploadContext* context) = 0;
     /// Copies the part and sends it from another thread. The copies are kept until the finish.
+    /// Several threads may send parts of one upload. Returns 0 also when the part could not be
+    /// handed over for lack of memory; the finish then fails with 14.
     virtual std::int32_t DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* context) = 0;
-    /// Waits for the parts sent with DoMultiPartUploadAsync and completes the upload.
+    /// Waits for the parts sent with DoMultiPartUploadAsync, all of whose calls have returned, and
+    /// completes the upload, or gives the error of the part that failed last.
     virtual std::int32_t FinishMultiPartUploadAsync(
         CloudStoreFinishMultiPartUploadContext* context) = 0;
     /// Gives an upload up; the service drops its parts.

@@ -15,6 +15,12 @@ struct StoreTestAccess {
         store.m_pReadStatus->m_cvComplete.notify_all();
     }
 
+    /// The batch of reads that is going on, or null.
+    static std::shared_ptr<AsyncReadStatus> Batch(AwsS3Store& store) {
+        const std::lock_guard<std::mutex> lock(store.m_mtxStore);
+        return store.m_pReadStatus;
+    }
+
     /// What the store keeps of an open upload; null for one that is not open.
     static std::shared_ptr<MultiPartUploadState> Upload(AwsS3Store& store, const char* uploadId) {
         return store.FindUpload(uploadId);

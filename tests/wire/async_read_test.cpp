@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -118,6 +121,43 @@ TEST_F(AsyncRead, ANextBatchStartsClean) {
     EXPECT_EQ(store->ReadObjectAsync(&good.context), 0);
     EXPECT_EQ(store->WaitForReadObjectAsync(&good.context), 0);
     EXPECT_EQ(good.buffer, Filled("01234"));
+}
+
+TEST_F(AsyncRead, ASecondWaitFindsNoBatch) {
+    const auto store = StoreWithThreads(1);
+    ServeDigits();
+    OneRead read(0, 5);
+    EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), -1);
+}
+
+TEST_F(AsyncRead, TheWaitFreesTheBatchAndTheBuffersOfItsAnswers) {
+    const auto store = StoreWithThreads(2);
+    m_server.On("GET", "/the-bucket/k").Once(Bytes("01234").Reset(Place::BodyByte(2)));
+    ServeDigits();
+    OneRead reads[] = {OneRead(0, 5), OneRead(5, 5)};
+    for (OneRead& read : reads) {
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+    }
+    while (m_log.CountContaining("complete = 2, EC = 0") == 0) {
+        std::this_thread::yield();
+    }
+    const std::weak_ptr<AsyncReadStatus> batch = StoreTestAccess::Batch(*store);
+    std::vector<std::weak_ptr<AsyncReadStatus::Buffer>> buffers;
+    {
+        const auto held = batch.lock();
+        const std::lock_guard<std::mutex> lock(held->m_mtxBuffers);
+        buffers.assign(held->m_vecBuffers.begin(), held->m_vecBuffers.end());
+    }
+    EXPECT_EQ(buffers.size(), 3u) << "one for each attempt";
+    EXPECT_EQ(store->WaitForReadObjectAsync(&reads[0].context), 0);
+    EXPECT_EQ(StoreTestAccess::Batch(*store), nullptr);
+    // The threads let go of a request a moment after its answer was handled.
+    while (!batch.expired() || std::any_of(buffers.begin(), buffers.end(),
+                                           [](const auto& buffer) { return !buffer.expired(); })) {
+        std::this_thread::yield();
+    }
 }
 
 TEST_F(AsyncRead, AWaitAfterAllAnswersDoesNotBlock) {
@@ -404,6 +444,50 @@ TEST_F(AsyncRead, KeysTakeTheSubstitution) {
     EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
     EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
     EXPECT_EQ(OnlyRequest().target, "/the-bucket/a%2Bb");
+}
+
+// Both locks are taken in one order. With opposite ones either of these would never end: a handler
+// between its two locks while the wait begins, and a wait before its sleep while a handler begins.
+TEST_F(AsyncRead, AHandlerAndAWaitThatMeetHalfWayDoNotBlockEachOther) {
+    const auto store = StoreWithThreads(1);
+    for (const std::string& halfWay :
+         {std::string("[AwsS3Store::HandleAsyncReadFunc]. enter. Key: k"),
+          std::string("AwsS3Store::WaitForReadObjectAsync cv wait start.")}) {
+        m_log.Clear();
+        const bool inHandler = halfWay[0] == '[';
+        Gate gate;
+        Gate answer;
+        m_server.On("GET", "/the-bucket/k").Once(Bytes("01234").Wait(Place::AnswerByte(0), answer));
+        m_log.File().onLine = [&](const std::string& text) {
+            if (text.rfind(halfWay, 0) == 0) {
+                gate.Pass();
+            }
+        };
+        OneRead read(0, 5);
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+        if (inHandler) {
+            answer.Open();
+            ASSERT_TRUE(gate.WaitUntilReached());
+        }
+        std::thread host([&] { EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0); });
+        if (!inHandler) {
+            ASSERT_TRUE(gate.WaitUntilReached());
+            answer.Open();
+        }
+        // until the other one stands before its lock, or nearly so
+        const char* const other = inHandler ? "WaitForReadObjectAsync enter. key"
+                                            : "[AwsS3Store::HandleAsyncReadFunc]. enter. Key: k";
+        while (m_log.CountContaining(other) == 0) {
+            std::this_thread::yield();
+        }
+        gate.Open();
+        host.join();
+        EXPECT_TRUE(read.Delivered());
+        while (m_log.CountContaining("leave. Total Request= 1 , complete = 1, EC = 0") == 0) {
+            std::this_thread::yield();
+        }
+        m_log.File().onLine = nullptr;
+    }
 }
 
 TEST_F(AsyncRead, HandlersAndWaitsRaceWithoutHarm) {

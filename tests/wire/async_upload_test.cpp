@@ -235,6 +235,65 @@ TEST_F(AsyncUpload, TheFinishFreesEveryBodyBeforeItCompletes) {
     host.join();
 }
 
+TEST_F(AsyncUpload, PartsSentSynchronouslyAreCompletedWithTheOthers) {
+    const auto store = StoreWithThreads(1);
+    Open(*store);
+    CompleteWith();
+    m_server.On("PUT", PartTarget(1)).Once(Tagged("e1"));
+    m_server.On("PUT", PartTarget(2)).Once(Tagged("synchronous")).Once(Tagged("asynchronous"));
+    m_server.On("PUT", PartTarget(3)).Once(Tagged("asynchronous")).Once(Tagged("synchronous"));
+    const auto send = [&](int number) {
+        CloudStoreMultiPartUploadContext part;
+        part.m_pszBucket = kBucket;
+        part.m_pszKey = "k";
+        part.m_pszUploadId = "u1";
+        part.m_nPartNumber = static_cast<std::uint64_t>(number);
+        part.m_pBuf = reinterpret_cast<const unsigned char*>("xyz");
+        part.m_nBufLen = 3;
+        return store->MultiPartUpload(&part);
+    };
+    EXPECT_EQ(send(1), 0);
+    EXPECT_EQ(send(2), 0);
+    EXPECT_EQ(Submit(*store, 2, "x", false), 0);
+    EXPECT_EQ(Submit(*store, 3, "x", true), 0);
+    AwaitAnswers(*store, 2);
+    EXPECT_EQ(send(3), 0);
+    EXPECT_EQ(Finish(*store, 3), 0);
+    EXPECT_EQ(TagsSent(), "e1;asynchronous;asynchronous;")
+        << "an asynchronous answer replaces a tag, a synchronous one does not";
+}
+
+TEST_F(AsyncUpload, APartCountBeyondThePartsSentGoesWithEmptyTagsAndAnEmptyPartIsAPart) {
+    const auto store = StoreWithThreads(1);
+    Open(*store);
+    CompleteWith();
+    Part(2, Tagged("e2"));
+    EXPECT_EQ(Submit(*store, 2, "", true), 0);
+    EXPECT_EQ(Finish(*store, 3), 0);
+    EXPECT_EQ(TagsSent(), ";e2;;");
+    EXPECT_EQ(Sent(2).at(0).Value("content-length"), "0");
+}
+
+TEST_F(AsyncUpload, KeysTakeTheSubstitutionAndLinesOfPartsShowThemAsSent) {
+    Setup setup;
+    setup.provider = 6;
+    const auto store = MakeStore(setup);
+    Open(*store);
+    m_server.On("PUT", "/the-bucket/a%2Bb?partNumber=1")
+        .Once(Answer::S3Error(403, "AccessDenied", "No"));
+    CloudStoreMultiPartUploadContext part;
+    part.m_pszBucket = kBucket;
+    part.m_pszKey = "a@b";
+    part.m_pszUploadId = "u1";
+    part.m_nPartNumber = 1;
+    part.m_pBuf = reinterpret_cast<const unsigned char*>("x");
+    part.m_nBufLen = 1;
+    part.m_bLastPart = true;
+    EXPECT_EQ(store->DoMultiPartUploadAsync(&part), 0);
+    EXPECT_EQ(Finish(*store, 1), 15);
+    EXPECT_THAT(PartLines(), Contains("Part Upload:[eu-central-1:the-bucket:a+b:1] failed."));
+}
+
 TEST_F(AsyncUpload, AFinishWithNoPartMarkedLastEndsAllTheSame) {
     const auto store = StoreWithThreads(1);
     Open(*store);
