@@ -36,6 +36,14 @@ std::vector<StoredFile> LiveFiles(const Manifest& manifest) {
     return files;
 }
 
+std::uint64_t TotalSize(const std::vector<StoredFile>& files) {
+    std::uint64_t total = 0;
+    for (const StoredFile& file : files) {
+        total += file.record.state.size;
+    }
+    return total;
+}
+
 void BackupReader::ForEach(std::vector<StoredFile>& files, const Work& work) const {
     const auto small = std::stable_partition(files.begin(), files.end(), [](const auto& file) {
         return file.record.state.size > ObjectReader::kRange;

@@ -23,6 +23,8 @@ struct StoredFile {
 /// The files that are not deleted.
 std::vector<StoredFile> LiveFiles(const Manifest& manifest);
 
+std::uint64_t TotalSize(const std::vector<StoredFile>& files);
+
 /// What one object turned out to be.
 enum class ObjectState { Good, Missing, Differs };
 

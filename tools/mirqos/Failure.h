@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -19,12 +20,15 @@ enum class ExitCode : int {
 /// Ends a command: `what()` is the one line that the user reads. It never holds a secret.
 class Failure : public std::runtime_error {
 public:
-    Failure(ExitCode code, const std::string& message)
-        : std::runtime_error(message), m_code(code) {}
+    /// `status`: the library's, where it is the reason.
+    Failure(ExitCode code, const std::string& message, std::int32_t status = 0)
+        : std::runtime_error(message), m_code(code), m_status(status) {}
     ExitCode Code() const { return m_code; }
+    std::int32_t Status() const { return m_status; }
 
 private:
     ExitCode m_code;
+    std::int32_t m_status;
 };
 
 }  // namespace Mirqos::Tool

@@ -16,9 +16,6 @@ namespace Mirqos::Tool {
 
 namespace {
 
-// between two looks at Ctrl-C
-constexpr std::size_t kStep = std::size_t{4} << 20U;
-
 std::size_t PartLength(const SteadyFile& file, const UploadWay& way, std::size_t index) {
     const std::uint64_t begin = std::uint64_t{way.partSize} * index;
     return static_cast<std::size_t>(std::min<std::uint64_t>(way.partSize, file.Size() - begin));
@@ -51,7 +48,8 @@ FileSender::Result FileSender::Send(const std::string& file, const ObjectUrl& ur
     }
     // to read it twice costs less than to send what is there
     if (stored && stored->state.size == source.Size()) {
-        const FileRecord record = Digest(file);
+        const FileRecord record =
+            DigestFile(file, [&](std::size_t) { m_interruption.CheckPoint(); });
         if (IsStored(record, stored)) {
             m_progress.Add(record.state.size);
             return {record, false};
@@ -125,18 +123,6 @@ FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url,
     m_interruption.CheckPoint();
     upload.Complete(way.parts);
     return record;
-}
-
-FileRecord FileSender::Digest(const std::string& file) const {
-    SteadyFile source(file);
-    std::vector<unsigned char> step(kStep);
-    for (std::uint64_t left = source.Size(); left > 0;) {
-        m_interruption.CheckPoint();
-        const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(left, kStep));
-        source.Read(step.data(), length);
-        left -= length;
-    }
-    return source.Finish();
 }
 
 }  // namespace Mirqos::Tool

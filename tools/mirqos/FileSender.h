@@ -39,7 +39,6 @@ private:
                      const std::optional<FileRecord>& stored) const;
     FileRecord SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
     FileRecord SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
-    FileRecord Digest(const std::string& file) const;
 
     MIRQOSInterface& m_store;
     const unsigned m_threads;

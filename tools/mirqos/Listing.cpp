@@ -3,6 +3,8 @@
 #include <cassert>
 #include <cstring>
 
+#include "tools/mirqos/Interruption.h"
+#include "tools/mirqos/Paging.h"
 #include "tools/mirqos/Session.h"
 #include "tools/mirqos/StoredKey.h"
 
@@ -22,6 +24,21 @@ ObjectPage::ObjectPage(MIRQOSInterface& store, const ObjectUrl& prefix, std::int
 
 ObjectPage::~ObjectPage() {
     m_store.ReleaseObjectData(&m_record);
+}
+
+std::map<std::string, std::uint64_t> ListAll(MIRQOSInterface& store, const ObjectUrl& prefix,
+                                             std::int32_t provider,
+                                             const Interruption& interruption) {
+    std::map<std::string, std::uint64_t> sizes;
+    WalkPages([&](const std::string& token) {
+        interruption.CheckPoint();
+        const ObjectPage page(store, prefix, provider, token);
+        for (const CloudStoreObjInfo& object : page) {
+            sizes[StoredKey(provider, object.m_szKey)] = object.m_nSize;
+        }
+        return page.Next();
+    });
+    return sizes;
 }
 
 std::optional<std::uint64_t> ListedSize(MIRQOSInterface& store, const ObjectUrl& url,

@@ -3,12 +3,15 @@
 #include <mirqos/mirqos.h>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 
 #include "tools/mirqos/ObjectUrl.h"
 
 namespace Mirqos::Tool {
+
+class Interruption;
 
 /// One page of a bucket's objects in the library's own memory, which it gives back.
 class ObjectPage {
@@ -35,6 +38,11 @@ private:
     std::string m_prefix;
     CloudStoreListObjectConext m_record;
 };
+
+/// The sizes of all objects whose keys begin so, by key as the service has it. Throws Failure.
+std::map<std::string, std::uint64_t> ListAll(MIRQOSInterface& store, const ObjectUrl& prefix,
+                                             std::int32_t provider,
+                                             const Interruption& interruption);
 
 /// The size that the bucket's listing gives for exactly this key. Nothing where the key is not
 /// listed or the credentials may not list: neither means that there is no such object.

@@ -39,14 +39,12 @@ PartUpload::~PartUpload() {
     if (m_completed) {
         return;
     }
-    if (!m_finished) {
-        // The upload is gone for the service first, so that this finish can complete nothing: it
-        // waits for the parts that are under way and lets the library forget them.
-        Abort();
+    // Gone for the service first, so that the finish can complete nothing: it waits for the parts
+    // that are under way and lets the library forget them. Then what came in meanwhile goes too.
+    if (Abort() == 0 && !m_finished) {
         Finish(m_finish, 1);
+        Abort();
     }
-    // also what came in while the parts ended
-    Abort();
 }
 
 CloudStoreMultiPartUploadContext PartUpload::Part(std::int32_t number, const unsigned char* data,
@@ -113,13 +111,12 @@ std::int32_t PartUpload::Finish(FinishCall call, std::int32_t parts) {
     return (m_store.*call)(&finish);
 }
 
-void PartUpload::Abort() const {
+std::int32_t PartUpload::Abort() const {
     CloudStoreAbortMultiPartUploadContext abort;
     abort.m_pszUploadId = m_upload.m_szUploadId;
     abort.m_pszBucket = m_url.bucket.c_str();
     abort.m_pszKey = m_url.key.c_str();
-    // a failure is in the library's log; nothing more can be done about it
-    m_store.AbortMultiPartUpload(&abort);
+    return m_store.AbortMultiPartUpload(&abort);
 }
 
 /// The process ends whether or not the service answers.

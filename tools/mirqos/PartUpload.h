@@ -42,7 +42,7 @@ private:
     std::int32_t Finish(FinishCall call, std::int32_t parts);
     CloudStoreMultiPartUploadContext Part(std::int32_t number, const unsigned char* data,
                                           std::size_t size) const;
-    void Abort() const;
+    std::int32_t Abort() const;
     void AbortAtOnce() const;
 
     MIRQOSInterface& m_store;

@@ -91,7 +91,8 @@ void Progress::Count(const std::string& phase, const std::string& name,
     }
 }
 
-void Progress::Wait(const std::string& phase, const std::string& name, std::uint64_t total) {
+void Progress::Wait(const std::string& phase, const std::string& name,
+                    std::optional<std::uint64_t> total) {
     if (m_state) {
         m_state->Begin(phase, name, std::nullopt, total);
     }

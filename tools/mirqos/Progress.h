@@ -21,8 +21,9 @@ public:
     /// Begins a phase that counts its bytes with Add. `total` where it is known.
     void Count(const std::string& phase, const std::string& name,
                std::optional<std::uint64_t> total);
-    /// Begins a phase that gives no figure until it ends, such as one request.
-    void Wait(const std::string& phase, const std::string& name, std::uint64_t total);
+    /// Begins a phase that gives no figure until it ends, such as one request. `total` as above.
+    void Wait(const std::string& phase, const std::string& name,
+              std::optional<std::uint64_t> total);
     void Add(std::uint64_t bytes);
 
 private:

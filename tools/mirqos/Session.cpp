@@ -65,9 +65,10 @@ bool ObjectAnswers(MIRQOSInterface& store, const ObjectUrl& url) {
 void FailOperation(std::int32_t status, const char* operation, const ObjectUrl& url,
                    const std::string& why) {
     const std::string key = url.key.empty() ? "" : ", key '" + Printable(url.key) + "'";
-    throw Failure(ExitCode::OperationFailed, std::string(operation) + " failed for bucket '" +
-                                                 url.bucket + "'" + key + ": status " +
-                                                 std::to_string(status) + ", " + why);
+    throw Failure(ExitCode::OperationFailed,
+                  std::string(operation) + " failed for bucket '" + url.bucket + "'" + key +
+                      ": status " + std::to_string(status) + ", " + why,
+                  status);
 }
 
 void CheckStatus(std::int32_t status, const char* operation, const ObjectUrl& url,

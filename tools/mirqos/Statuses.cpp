@@ -35,7 +35,7 @@ constexpr std::array<Explanation, 21> kExplanations = {{
     {24, "the service gave the request up as too slow; try again, with fewer threads"},
     {34, "the answer is longer than the library's record for it"},
     {50, "this version of the library does not support it"},
-    {99, "no answer: check the endpoint, the network, and HTTP against HTTPS"},
+    {kStatusNoAnswer, "no answer: check the endpoint, the network, and HTTP against HTTPS"},
     {110, "the account has as many buckets as it may have"},
 }};
 

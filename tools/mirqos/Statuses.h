@@ -11,6 +11,9 @@ constexpr std::int32_t kStatusUnknown = 100;
 /// What a question without a body is answered with where there is no such thing.
 constexpr std::int32_t kStatusNotFound = 16;
 
+/// What nobody answered gives, after every retry.
+constexpr std::int32_t kStatusNoAnswer = 99;
+
 /// Whether a status is S3's own: no such bucket, no such key and the like. Which number means which
 /// differs between generations of the SDK; the numbers below are the same in all of them.
 bool IsS3Status(std::int32_t status);

@@ -1,5 +1,8 @@
 #include "tools/mirqos/SteadyFile.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "tools/mirqos/Failure.h"
 #include "tools/mirqos/Folder.h"
 
@@ -9,6 +12,7 @@ namespace {
 
 // the coarsest step in which a usual file system stamps: two seconds
 constexpr FileTime kCoarsestStep = 20'000'000;
+constexpr std::size_t kPiece = std::size_t{1} << 20U;
 
 [[noreturn]] void FailChanged() {
     throw Failure(ExitCode::LocalFile, "changed while it was read");
@@ -38,6 +42,18 @@ FileRecord SteadyFile::Finish() {
     record.sha256 = m_digest.Finish();
     record.recent = m_state.modified > m_opened - kCoarsestStep;
     return record;
+}
+
+FileRecord DigestFile(const std::string& name, const std::function<void(std::size_t)>& onStep) {
+    SteadyFile file(name);
+    std::vector<unsigned char> piece(kPiece);
+    for (std::uint64_t left = file.Size(); left > 0;) {
+        const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(left, kPiece));
+        file.Read(piece.data(), length);
+        onStep(length);
+        left -= length;
+    }
+    return file.Finish();
 }
 
 }  // namespace Mirqos::Tool

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "tools/mirqos/LocalFile.h"
@@ -29,5 +30,9 @@ private:
     std::uint64_t m_done = 0;
     Sha256 m_digest;
 };
+
+/// Reads the whole file and returns what SteadyFile::Finish does. `onStep` gets the size of each
+/// piece read and may throw.
+FileRecord DigestFile(const std::string& name, const std::function<void(std::size_t)>& onStep);
 
 }  // namespace Mirqos::Tool

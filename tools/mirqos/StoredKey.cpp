@@ -18,6 +18,10 @@ void ReplaceFor(std::int32_t provider, std::string& key, char from, char to) {
 
 }  // namespace
 
+bool IsGoogleCloudStorage(std::int32_t provider) {
+    return provider == kGoogleCloudStorage;
+}
+
 std::string StoredKey(std::int32_t provider, std::string key) {
     ReplaceFor(provider, key, '@', '+');
     return key;

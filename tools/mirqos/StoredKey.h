@@ -5,6 +5,8 @@
 
 namespace Mirqos::Tool {
 
+bool IsGoogleCloudStorage(std::int32_t provider);
+
 /// Some kinds of provider store "@" in keys as "+", and listings of theirs come back with "@" for
 /// every "+". Most of the library's operations do so by themselves; for those that pass a key or a
 /// prefix on as it is (listings, multi-object delete, tags, lifecycle) this gives the name that the

@@ -24,13 +24,12 @@ std::optional<UploadWay> ChooseUpload(std::uint64_t size, unsigned threads,
     if (size <= UploadWay::kLargestWhole) {
         return way;
     }
-    const std::uint64_t needed = DivideUp(DivideUp(size, UploadWay::kMostParts), kMiB) * kMiB;
-    const std::uint64_t part = std::max(UploadWay::kUsualPart, needed);
+    const std::uint64_t part = std::max(UploadWay::kUsualPart, SmallestPart(size));
     if (part > kLargestPart) {
         return std::nullopt;
     }
     way.partSize = static_cast<std::size_t>(part);
-    way.parts = static_cast<std::int32_t>(DivideUp(size, part));
+    way.parts = CountParts(size, part);
     if (size <= inFlight) {
         way.kind = UploadWay::Kind::AsyncParts;
         return way;
@@ -40,6 +39,14 @@ std::optional<UploadWay> ChooseUpload(std::uint64_t size, unsigned threads,
     const std::uint64_t affordable = inFlight / (2 * part);
     way.threads = static_cast<unsigned>(std::clamp<std::uint64_t>(affordable, 1, threads));
     return way;
+}
+
+std::uint64_t SmallestPart(std::uint64_t size) {
+    return DivideUp(DivideUp(size, UploadWay::kMostParts), kMiB) * kMiB;
+}
+
+std::int32_t CountParts(std::uint64_t size, std::uint64_t partSize) {
+    return static_cast<std::int32_t>(DivideUp(size, partSize));
 }
 
 }  // namespace Mirqos::Tool

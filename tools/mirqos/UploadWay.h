@@ -32,4 +32,9 @@ struct UploadWay {
 /// be.
 std::optional<UploadWay> ChooseUpload(std::uint64_t size, unsigned threads, std::uint64_t inFlight);
 
+/// Whole MiB of a part, so that they are not more than services take.
+std::uint64_t SmallestPart(std::uint64_t size);
+
+std::int32_t CountParts(std::uint64_t size, std::uint64_t partSize);
+
 }  // namespace Mirqos::Tool

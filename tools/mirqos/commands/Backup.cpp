@@ -14,6 +14,7 @@
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/ObjectRemoval.h"
 #include "tools/mirqos/Progress.h"
+#include "tools/mirqos/Statuses.h"
 #include "tools/mirqos/Stopwatch.h"
 #include "tools/mirqos/Text.h"
 #include "tools/mirqos/TroubleReport.h"
@@ -25,7 +26,7 @@ namespace Mirqos::Tool {
 namespace {
 
 constexpr std::uint64_t kMiB = std::uint64_t{1} << 20U;
-constexpr std::uint64_t kUsualInFlight = 256;
+constexpr std::uint64_t kUsualInFlight = 128;
 constexpr std::uint64_t kMostInFlight = std::uint64_t{1} << 20U;
 
 std::uint64_t InFlight(const Invocation& invocation) {
@@ -52,7 +53,7 @@ public:
     void Run() {
         {
             Progress progress(m_invocation.settings.progress);
-            progress.Wait("looking through", m_folder, 0);
+            progress.Wait("looking through", m_folder, std::nullopt);
             const FolderContents contents =
                 WalkFolder(m_folder, [this] { m_invocation.interruption.CheckPoint(); });
             const Session session(m_invocation.settings);
@@ -106,8 +107,11 @@ private:
         try {
             DoAll(large, 1, make(0));
             DoAll(m_plan.tasks.size() - large, m_invocation.settings.threads, make(large));
-        } catch (...) {
-            ledger.SaveUnfinished();
+        } catch (const Failure& failure) {
+            // where nobody answers, to try this too would only take longer
+            if (failure.Status() != kStatusNoAnswer) {
+                ledger.SaveUnfinished();
+            }
             throw;
         }
         ledger.SaveEnded();
@@ -238,7 +242,7 @@ Command BackupCommand() {
             2,
             2,
             {{"in-flight", "MIB", "",
-              "how much of one large file may be in memory while it is sent (default 256)"},
+              "how much of one large file may be in memory while it is sent (default 128)"},
              {"rehash", "", "", "read every file and compare digests, whatever its time says"},
              {"fresh", "", "", "take no notice of earlier runs: send every file"},
              {"delete", "", "", "remove the objects of files that are gone"},

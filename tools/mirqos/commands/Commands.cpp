@@ -4,10 +4,11 @@ namespace Mirqos::Tool {
 
 const std::vector<Command>& Commands() {
     static const std::vector<Command> commands = {
-        BackupCommand(),   RestoreCommand(),    PutCommand(),          GetCommand(),
-        RemoveCommand(),   ListCommand(),       FindCommand(),         StatCommand(),
-        TagCommand(),      MakeBucketCommand(), RemoveBucketCommand(), BucketsCommand(),
-        LocationCommand(), LifecycleCommand(),  UploadsCommand()};
+        BackupCommand(),       RestoreCommand(), VerifyCommand(),   PutCommand(),
+        GetCommand(),          CopyCommand(),    RemoveCommand(),   ListCommand(),
+        FindCommand(),         StatCommand(),    TagCommand(),      MakeBucketCommand(),
+        RemoveBucketCommand(), BucketsCommand(), LocationCommand(), LifecycleCommand(),
+        UploadsCommand()};
     return commands;
 }
 

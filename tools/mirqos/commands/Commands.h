@@ -12,8 +12,10 @@ const std::vector<Command>& Commands();
 // The rows, each in a source of its own.
 Command BackupCommand();
 Command RestoreCommand();
+Command VerifyCommand();
 Command PutCommand();
 Command GetCommand();
+Command CopyCommand();
 Command MakeBucketCommand();
 Command RemoveCommand();
 Command ListCommand();

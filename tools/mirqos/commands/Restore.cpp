@@ -29,17 +29,13 @@ public:
     void Run() {
         {
             Progress progress(m_invocation.settings.progress);
-            progress.Wait("restoring", m_prefix.Shown(), 0);
+            progress.Wait("restoring", m_prefix.Shown(), std::nullopt);
             const Session session(m_invocation.settings);
             const BackupStore backup(session, m_prefix);
             const Manifest manifest = backup.Require(m_invocation.interruption);
             m_runEnded = manifest.runEnded;
             auto files = Accepted(LiveFiles(manifest));
-            std::uint64_t total = 0;
-            for (const StoredFile& file : files) {
-                total += file.record.state.size;
-            }
-            progress.Count("restoring", m_prefix.Shown(), total);
+            progress.Count("restoring", m_prefix.Shown(), TotalSize(files));
             const PartFolder parts(m_folder, m_invocation.interruption);
             const BackupReader reader(session, backup, m_invocation.settings,
                                       m_invocation.interruption, progress);
