@@ -1,6 +1,7 @@
 #include "log/LogOutputs.h"
 
 #include "log/dbg/win32/CFileOutput.h"
+#include "log/dbg/win32/CSMOutput.h"
 
 namespace Mirqos {
 
@@ -9,7 +10,7 @@ std::unique_ptr<IDBGLogOutput> CreateFileLogOutput() {
 }
 
 std::unique_ptr<IDBGLogOutput> CreateChannelLogOutput() {
-    return nullptr;
+    return std::make_unique<NSDBG::CSMOutput>();
 }
 
 }  // namespace Mirqos

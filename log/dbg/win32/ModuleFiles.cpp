@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "log/dbg/LogFilePath.h"
+#include "log/dbg/win32/WindowsCalls.h"
 #include "platform/undo_windows_macros.h"
 
 namespace LOGUTILS {
@@ -13,7 +14,7 @@ WideString PathOfModule(HMODULE hModule) {
     WideString path(MAX_PATH, L'\0');
     for (;;) {
         const DWORD dwLength =
-            GetModuleFileNameW(hModule, path.data(), static_cast<DWORD>(path.size()));
+            Windows().getModuleFileName(hModule, path.data(), static_cast<DWORD>(path.size()));
         if (dwLength < path.size()) {
             path.resize(dwLength);
             return path;

@@ -10,7 +10,7 @@
 namespace LOGUTILS {
 
 /// The calls to Windows that the logging library makes and that can fail, or are worth counting. A
-/// test puts another function in the place of one for a while (ReplacedCall), to make it fail where
+/// test puts another function in the place of one for a while (CallSpy), to make it fail where
 /// a machine would not.
 struct WindowsCalls {
     decltype(&::CreateMutexW) createMutex = &::CreateMutexW;
@@ -22,6 +22,10 @@ struct WindowsCalls {
     decltype(&::WaitForSingleObject) waitForSingleObject = &::WaitForSingleObject;
 
     decltype(&::UuidCreate) uuidCreate = &::UuidCreate;
+
+    // a process's objects are named after it
+    decltype(&::GetCurrentProcessId) getCurrentProcessId = &::GetCurrentProcessId;
+    decltype(&::GetModuleFileNameW) getModuleFileName = &::GetModuleFileNameW;
 
     decltype(&::CreateFileMappingW) createFileMapping = &::CreateFileMappingW;
     decltype(&::OpenFileMappingW) openFileMapping = &::OpenFileMappingW;
