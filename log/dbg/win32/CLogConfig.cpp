@@ -8,6 +8,7 @@
 #include "log/dbg/win32/ProductInstall.h"
 #include "log/dbg/win32/SharedMemory.h"
 #include "log/dbg/win32/Trace.h"
+#include "log/dbg/win32/WindowsCalls.h"
 
 namespace NSDBG {
 
@@ -17,9 +18,8 @@ namespace {
 
 constexpr DWORD kMutexWaitMilliseconds = 5000;
 
-// A process's number in the names of its objects is decimal and may be beyond a signed 32-bit int.
 WideString WithOwnId(const char* pszName) {
-    return WidenAscii(pszName) + Decimal(GetCurrentProcessId());
+    return WidenAscii(pszName) + Decimal(Windows().getCurrentProcessId());
 }
 
 WideString ReadLogRoot(unsigned nInstallKinds) {
@@ -76,22 +76,21 @@ void CLogConfig::WithBlock(Work work) {
     if (!MakeOpen()) {
         return;
     }
-    const MutexHold hold = m_mutex.Wait(kMutexWaitMilliseconds);
-    if (!hold.Owns()) {
-        return;
+    {
+        const MutexHold hold = m_mutex.Wait(kMutexWaitMilliseconds);
+        if (!hold.Owns()) {
+            return;
+        }
+        if (IsIntact(*Block())) {
+            work(*Block());
+            return;
+        }
     }
-    if (!IsIntact(*Block())) {
-        const auto nProcess = static_cast<int>(GetCurrentProcessId());
-        Trace(L"[%d:%d] Share memory was destroied\r\n", nProcess, nProcess);
-        return;
-    }
-    work(*Block());
+    const auto nProcess = static_cast<int>(Windows().getCurrentProcessId());
+    Trace(L"[%d:%d] Share memory was destroied\r\n", nProcess, nProcess);
 }
 
 void CLogConfig::RegisterModule(WideView name) {
-    if (name.empty()) {
-        return;
-    }
     const WideString path = DefaultLogPath(name, LibraryName(), LogRoot());
     WithBlock([&](LogConfigBlock& block) {
         m_pEntry = FindOrTakeModule(block, name);

@@ -122,14 +122,6 @@ unsigned ReadComponentKind(unsigned nInstallKinds) {
                         nInstallKinds);
 }
 
-std::vector<WideString> ReadDisableGlobalOption(unsigned nInstallKinds) {
-    if (nInstallKinds == kWindowsPe) {
-        return {};
-    }
-    return SplitAtBlanks(
-        RegistryText(Below(kEngineKey, L"Debug"), L"DisableGlobalOption").value_or(L""));
-}
-
 std::int32_t RegistryLevels::LevelOf(const WideString& name, unsigned nInstallKinds) {
     const std::lock_guard<CriticalSection> lock(m_cs);
     const auto known = m_levels.find(name);
@@ -137,6 +129,19 @@ std::int32_t RegistryLevels::LevelOf(const WideString& name, unsigned nInstallKi
         return known->second;
     }
     return m_levels.emplace(name, ReadLevel(name, nInstallKinds)).first->second;
+}
+
+DisableGlobalOption::DisableGlobalOption(unsigned nInstallKinds) {
+    if (nInstallKinds != kWindowsPe) {
+        m_names = SplitAtBlanks(
+            RegistryText(Below(kEngineKey, L"Debug"), L"DisableGlobalOption").value_or(L""));
+    }
+}
+
+bool DisableGlobalOption::Lists(const WideString& executableName) const {
+    return std::any_of(m_names.begin(), m_names.end(), [&](const WideString& name) {
+        return EqualIgnoringCase(name, executableName);
+    });
 }
 
 // Neither of the two statics is ever destroyed: the process may log until its very end.
@@ -147,11 +152,8 @@ std::int32_t RegistryLevel(const WideString& name, unsigned nInstallKinds) {
 }
 
 bool IsGlobalPathDisabled(const WideString& executableName, unsigned nInstallKinds) {
-    static const std::vector<WideString>& names =
-        *new std::vector<WideString>(ReadDisableGlobalOption(nInstallKinds));
-    return std::any_of(names.begin(), names.end(), [&](const WideString& name) {
-        return EqualIgnoringCase(name, executableName);
-    });
+    static const DisableGlobalOption& option = *new DisableGlobalOption(nInstallKinds);
+    return option.Lists(executableName);
 }
 
 }  // namespace LOGUTILS

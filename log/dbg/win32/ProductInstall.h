@@ -27,9 +27,6 @@ std::optional<ProductVersion> ReadProductVersion(unsigned nKind);
 /// The component that this library belongs to, after promotion (PromotedKind).
 unsigned ReadComponentKind(unsigned nInstallKinds);
 
-/// The executables that the option DisableGlobalOption lists; none when it is not set.
-std::vector<WideString> ReadDisableGlobalOption(unsigned nInstallKinds);
-
 // These read it once in a process. Any thread may call them.
 
 /// The level that the registry sets for an executable or library of that file name; -1 when it sets
@@ -48,6 +45,18 @@ public:
 private:
     CriticalSection m_cs;
     std::map<WideString, std::int32_t> m_levels;
+};
+
+/// The executables that the option DisableGlobalOption lists, as it stood when this was made; what
+/// IsGlobalPathDisabled keeps for the process.
+class DisableGlobalOption {
+public:
+    explicit DisableGlobalOption(unsigned nInstallKinds);
+    /// Whether it lists that executable, letter case aside.
+    bool Lists(const WideString& executableName) const;
+
+private:
+    std::vector<WideString> m_names;
 };
 
 }  // namespace LOGUTILS
