@@ -63,15 +63,15 @@ unsigned PromotedKind(unsigned nKind, unsigned nInstallKinds) {
 WideString LogRootOf(WideView libraryPath, WideView executableFolder, unsigned nInstallKinds,
                      const InstallPaths& paths) {
     if (nInstallKinds == kWindowsPe) {
-        return Below(executableFolder, "Log\\"_w);
+        return Below(executableFolder, R"(Log\)"_w);
     }
     if (nInstallKinds != kNoComponent) {
         const Component component = ComponentOf(libraryPath, paths);
         if (component.nKind != kNoComponent) {
-            return Below(component.path, "Logs\\"_w);
+            return Below(component.path, R"(Logs\)"_w);
         }
     }
-    return Below(executableFolder, "Logs\\"_w);
+    return Below(executableFolder, R"(Logs\)"_w);
 }
 
 std::vector<WideString> SplitAtBlanks(WideView value) {

@@ -85,7 +85,7 @@ bool IsSameLog(WideView left, WideView right) {
 WideString FileMutexName(WideView path) {
     WideString name(path);
     std::replace(name.begin(), name.end(), kBackslash, kSlash);
-    name = "Global\\"_w + UpperCase(name);
+    name = R"(Global\)"_w + UpperCase(name);
     name.resize(std::min(name.size(), kMutexNameRoom - 1));
     return name;
 }

@@ -31,7 +31,7 @@ std::vector<WideString> SummaryLines(const SummaryFacts& facts) {
         ProductLine(facts.m_version),
         SystemLine(facts),
         "Log level of each module can be controlled by registry key:"_w,
-        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Quorvane\\Halvestor\\Engine\\Debug\\ModuleName:DWORD]"_w,
+        R"([HKEY_LOCAL_MACHINE\SOFTWARE\Quorvane\Halvestor\Engine\Debug\ModuleName:DWORD])"_w,
         "====================================================="_w,
     };
 }

@@ -10,12 +10,7 @@
 
 namespace {
 
-using LOGUTILS::EqualIgnoringCase;
-using LOGUTILS::LogSeries;
-using LOGUTILS::UpperCase;
-using LOGUTILS::WideChar;
-using LOGUTILS::WideString;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 using Mirqos::Test::Require;
 
 constexpr int kHighestNumber = 99999999;
@@ -32,18 +27,18 @@ int NumberFrom(const WideString& text) {
 }
 
 void CheckMember(const WideString& base, int number) {
-    const auto member = LOGUTILS::SeriesMember(base, number);
-    Require(member.has_value() == (base.size() + kNumberAndEnding < LOGUTILS::kPathRoom),
+    const auto member = SeriesMember(base, number);
+    Require(member.has_value() == (base.size() + kNumberAndEnding < kPathRoom),
             "a member is one that fits a path");
     if (member) {
-        const LogSeries series = LOGUTILS::SplitSeries(*member);
+        const LogSeries series = SplitSeries(*member);
         Require(series.base == base && series.number == number,
                 "a member tells its base and number");
     }
 }
 
 void CheckSeries(const WideString& path) {
-    const LogSeries series = LOGUTILS::SplitSeries(path);
+    const LogSeries series = SplitSeries(path);
     Require(series.number >= 0 && series.number <= kHighestNumber, "a number has 8 digits");
     Require(path.compare(0, series.base.size(), series.base) == 0, "a path begins with its base");
     const WideString rest = path.substr(series.base.size());
@@ -53,8 +48,8 @@ void CheckSeries(const WideString& path) {
             "a number and the ending follow the base, or the ending, or nothing");
 
     if (series.number < kHighestNumber) {
-        if (const auto next = LOGUTILS::SeriesMember(series.base, series.number + 1)) {
-            Require(LOGUTILS::IsSameLog(path, *next), "a successor is the same log");
+        if (const auto next = SeriesMember(series.base, series.number + 1)) {
+            Require(IsSameLog(path, *next), "a successor is the same log");
         }
     }
     CheckMember(path, NumberFrom(path));
@@ -62,40 +57,40 @@ void CheckSeries(const WideString& path) {
 }
 
 void CheckPair(const WideString& left, const WideString& right) {
-    const bool same = LOGUTILS::IsSameLog(left, right);
-    Require(LOGUTILS::IsSameLog(right, left) == same, "same is the same both ways");
-    Require(LOGUTILS::IsSameLog(UpperCase(left), right) == same, "letter case does not matter");
-    Require(LOGUTILS::IsSameLog(left, left), "a path is the same as itself");
+    const bool same = IsSameLog(left, right);
+    Require(IsSameLog(right, left) == same, "same is the same both ways");
+    Require(IsSameLog(UpperCase(left), right) == same, "letter case does not matter");
+    Require(IsSameLog(left, left), "a path is the same as itself");
 }
 
 void CheckMutexName(const WideString& path) {
-    const WideString name = LOGUTILS::FileMutexName(path);
+    const WideString name = FileMutexName(path);
     Require(name.size() == std::min<std::size_t>(7 + path.size(), 259), "a name is cut to 259");
     Require(name.compare(0, 7, "Global\\"_w) == 0, "a name is a global one");
     Require(name.find(kBackslash, 7) == WideString::npos, "no other backslash is left");
     WideString other = UpperCase(path);
     std::replace(other.begin(), other.end(), WideChar{'/'}, kBackslash);
-    Require(LOGUTILS::FileMutexName(other) == name, "letter case and slash style do not matter");
+    Require(FileMutexName(other) == name, "letter case and slash style do not matter");
 }
 
 void CheckDefaultPath(const WideString& name) {
     const WideString root = "C:\\Logs\\"_w;
-    const WideString path = LOGUTILS::DefaultLogPath(name, "x.dll"_w, root);
+    const WideString path = DefaultLogPath(name, "x.dll"_w, root);
     if (path != name) {
         Require(path.compare(0, root.size(), root) == 0, "a plain name lies in the root");
-        Require(LOGUTILS::EndsWithIgnoringCase(path, ".log"_w), "and ends in .Log");
+        Require(EndsWithIgnoringCase(path, ".log"_w), "and ends in .Log");
     }
-    Require(LOGUTILS::DefaultLogPath(path, "x.dll"_w, root) == path, "a full path stays");
+    Require(DefaultLogPath(path, "x.dll"_w, root) == path, "a full path stays");
 }
 
 void CheckPieces(const WideString& path) {
-    WideString whole(LOGUTILS::FolderOf(path));
+    WideString whole(FolderOf(path));
     if (path.find(kBackslash) != WideString::npos) {
         whole += kBackslash;
-        whole += LOGUTILS::FileNameOf(path);
+        whole += FileNameOf(path);
         Require(whole == path, "folder and file name make the path");
     } else {
-        Require(whole.empty() && LOGUTILS::FileNameOf(path).empty(), "without backslash neither");
+        Require(whole.empty() && FileNameOf(path).empty(), "without backslash neither");
     }
 }
 

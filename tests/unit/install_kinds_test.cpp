@@ -7,15 +7,7 @@
 
 namespace {
 
-using LOGUTILS::ComponentKindOf;
-using LOGUTILS::InstallPaths;
-using LOGUTILS::LogRootOf;
-using LOGUTILS::PromotedKind;
-using LOGUTILS::SplitAtBlanks;
-using LOGUTILS::UpdateManagerPath;
-using LOGUTILS::WidenAscii;
-using LOGUTILS::WideString;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 
 constexpr unsigned kNone = 0;
 constexpr unsigned kEngine = 1;

@@ -15,22 +15,7 @@
 
 namespace {
 
-using LOGUTILS::ClearBlock;
-using LOGUTILS::Decimal;
-using LOGUTILS::FindModule;
-using LOGUTILS::FindOrTakeModule;
-using LOGUTILS::IsIntact;
-using LOGUTILS::LevelOf;
-using LOGUTILS::LogConfigBlock;
-using LOGUTILS::LogModuleEntry;
-using LOGUTILS::PathOf;
-using LOGUTILS::PutText;
-using LOGUTILS::SetPath;
-using LOGUTILS::TextIn;
-using LOGUTILS::WideChar;
-using LOGUTILS::WideString;
-using LOGUTILS::WideView;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 using Mirqos::Test::LogBlockBytes;
 
 constexpr std::size_t kModules = LogBlockBytes::kModules;
@@ -266,9 +251,7 @@ TEST_F(LogConfigBlockTest, AModuleFollowsTheGlobalPathUnlessToldOtherwise) {
         PutText(entry->m_szPath, "own"_w);
         entry->m_dwFlags = test.flags;
         PutText(Block().m_szGlobalPath, test.hasGlobal ? "global"_w : ""_w);
-        EXPECT_EQ(PathOf(Block(), "A.DLL"_w, test.ignoreGlobal),
-                  LOGUTILS::WidenAscii(test.expected))
-            << test;
+        EXPECT_EQ(PathOf(Block(), "A.DLL"_w, test.ignoreGlobal), WidenAscii(test.expected)) << test;
     }
 }
 

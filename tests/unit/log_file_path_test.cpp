@@ -8,20 +8,7 @@
 
 namespace {
 
-using LOGUTILS::DefaultLogPath;
-using LOGUTILS::FileMutexName;
-using LOGUTILS::FileNameOf;
-using LOGUTILS::FolderOf;
-using LOGUTILS::IsSameLog;
-using LOGUTILS::kNameRoom;
-using LOGUTILS::kPathRoom;
-using LOGUTILS::LogSeries;
-using LOGUTILS::SeriesMember;
-using LOGUTILS::SplitSeries;
-using LOGUTILS::WideChar;
-using LOGUTILS::WidenAscii;
-using LOGUTILS::WideString;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 
 WideString Letters(std::size_t count) {
     return WideString(count, WideChar{'a'});
@@ -215,7 +202,7 @@ TEST(FileMutexName, IsTheSameForEveryLetterCaseAndSlashStyle) {
 
 TEST(FileMutexName, IsCutTo259CharactersThatItsTerminatorFits) {
     const std::size_t prefix = 7;  // "Global\"
-    for (const std::size_t length : {258, 259, 260, 261, 511}) {
+    for (const std::size_t length : {258u, 259u, 260u, 261u, 511u}) {
         const WideString name = FileMutexName(Letters(length - prefix));
         EXPECT_EQ(name, "Global\\"_w +
                             WideString(std::min<std::size_t>(length, 259) - prefix, WideChar{'A'}))

@@ -6,13 +6,7 @@
 
 namespace {
 
-using LOGUTILS::IsUnicodeFile;
-using LOGUTILS::kByteOrderMark;
-using LOGUTILS::SourceTag;
-using LOGUTILS::Utf16Bytes;
-using LOGUTILS::WideChar;
-using LOGUTILS::WideString;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 
 TEST(LogText, TheByteOrderMarkIsTheTwoBytesFfFe) {
     ASSERT_EQ(kByteOrderMark.size(), 2u);

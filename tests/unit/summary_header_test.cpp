@@ -6,13 +6,7 @@
 
 namespace {
 
-using LOGUTILS::SummaryColumns;
-using LOGUTILS::SummaryFacts;
-using LOGUTILS::SummaryLines;
-using LOGUTILS::WideChar;
-using LOGUTILS::WidenAscii;
-using LOGUTILS::WideString;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 
 SummaryFacts Facts() {
     SummaryFacts facts;

@@ -8,18 +8,7 @@
 
 namespace {
 
-using LOGUTILS::BeginsWithIgnoringCase;
-using LOGUTILS::Decimal;
-using LOGUTILS::EndsWithIgnoringCase;
-using LOGUTILS::EqualIgnoringCase;
-using LOGUTILS::PutText;
-using LOGUTILS::TextIn;
-using LOGUTILS::UpperCase;
-using LOGUTILS::WideChar;
-using LOGUTILS::WidenAscii;
-using LOGUTILS::WideString;
-using LOGUTILS::WideView;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 
 constexpr WideChar kUnused{'#'};
 
