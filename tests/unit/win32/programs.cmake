@@ -8,3 +8,19 @@ target_compile_definitions(unit.version_resource PRIVATE MIRQOS_LIBRARY="$<TARGE
                            MIRQOS_VERSION="${PROJECT_VERSION}")
 target_link_libraries(unit.version_resource PRIVATE version)
 add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl)
+
+# They announce a viewer, and then every process of the machine logs to channels: one at a time.
+set_property(TEST unit.sm_output unit.breakpoint_hold APPEND PROPERTY RESOURCE_LOCK log_viewer)
+
+# Operations are called by their place in the table of virtual functions. GCC's C++ ABI puts two
+# destructors before the first, MSVC's puts one.
+set(destructor_entries 2)
+if(MSVC)
+  set(destructor_entries 1)
+endif()
+target_compile_definitions(unit.sm_output PRIVATE
+                           MIRQOS_DESTRUCTOR_ENTRIES=${destructor_entries})
+
+foreach(name block command edit report)
+  target_link_libraries(unit.logctl_${name} PRIVATE mirqos_log_control)
+endforeach()
