@@ -31,31 +31,31 @@ FileOutputTest::FileOutputTest()
     });
 }
 
-LogModuleEntry& FileOutputTest::Entry(LogConfigBlock& block) const {
-    return *FindModule(block, LibraryName());
+void FileOutputTest::EditEntry(const std::function<void(LogModuleEntry&)>& edit) const {
+    m_config.Edit([&](LogConfigBlock& block) { edit(*FindModule(block, LibraryName())); });
 }
 
 void FileOutputTest::SetPath(const std::wstring& path) const {
-    m_config.Edit([&](LogConfigBlock& block) { PutText(Entry(block).m_szPath, path); });
+    EditEntry([&](LogModuleEntry& entry) { PutText(entry.m_szPath, path); });
 }
 
 void FileOutputTest::SetGlobalPath(const std::wstring& path) const {
-    m_config.Edit([&](LogConfigBlock& block) { PutText(block.m_szGlobalPath, path); });
+    EditBlock([&](LogConfigBlock& block) { PutText(block.m_szGlobalPath, path); });
 }
 
 void FileOutputTest::SetLevel(std::int32_t nLevel) const {
-    m_config.Edit([&](LogConfigBlock& block) { Entry(block).m_nLevel = nLevel; });
+    EditEntry([&](LogModuleEntry& entry) { entry.m_nLevel = nLevel; });
 }
 
 std::wstring FileOutputTest::ConfiguredPath() const {
     std::wstring path;
-    m_config.Edit([&](LogConfigBlock& block) { path = TextIn(Entry(block).m_szPath); });
+    EditEntry([&](LogModuleEntry& entry) { path = TextIn(entry.m_szPath); });
     return path;
 }
 
 std::wstring FileOutputTest::GlobalPath() const {
     std::wstring path;
-    m_config.Edit([&](LogConfigBlock& block) { path = TextIn(block.m_szGlobalPath); });
+    EditBlock([&](LogConfigBlock& block) { path = TextIn(block.m_szGlobalPath); });
     return path;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,34 @@
 #include "tests/support/win32/LogFolder.h"
 #include "tests/support/win32/OutsideConfig.h"
 #include "tests/support/win32/TraceRecording.h"
+
+namespace NSDBG {
+
+/// What a test sees and sets inside an output.
+struct FileOutputTestAccess {
+    static void IgnoreGlobalPath(CFileOutput& output) { output.m_bDisableGlobal = 1; }
+    static void PutPath(CFileOutput& output, const std::wstring& path) {
+        LOGUTILS::PutText(output.m_szFilePath, path);
+    }
+    static std::wstring Path(const CFileOutput& output) { return output.m_szFilePath; }
+    static std::wstring ConfigName(const CFileOutput& output) { return output.m_szConfigName; }
+    static std::wstring LibraryName(const CFileOutput& output) { return output.m_szLibraryName; }
+    static std::wstring ProcessName(const CFileOutput& output) { return output.m_szProcessName; }
+    static std::uint32_t ModuleVersion(const CFileOutput& output) {
+        return output.m_dwModuleVersion;
+    }
+    static bool IsUnicode(const CFileOutput& output) { return output.m_bUnicode == 1; }
+    static int Level(const CFileOutput& output) { return output.m_nLevel; }
+    static bool IsFileOpen(const CFileOutput& output) { return static_cast<bool>(output.m_hFile); }
+    static bool HasMutex(const CFileOutput& output) {
+        return static_cast<bool>(output.m_hFileMutex);
+    }
+    static bool IgnoresGlobalPath(const CFileOutput& output) {
+        return output.m_bDisableGlobal != 0;
+    }
+};
+
+}  // namespace NSDBG
 
 namespace Mirqos::Test {
 
@@ -29,6 +58,11 @@ protected:
     void SetLevel(std::int32_t nLevel) const;
     std::wstring ConfiguredPath() const;
     std::wstring GlobalPath() const;
+    /// Does `edit` on this program's entry; on all of the block.
+    void EditEntry(const std::function<void(LOGUTILS::LogModuleEntry&)>& edit) const;
+    void EditBlock(const std::function<void(LOGUTILS::LogConfigBlock&)>& edit) const {
+        m_config.Edit(edit);
+    }
 
     /// The lines of the file after its header.
     static std::vector<std::wstring> MessagesOf(const std::wstring& path);
@@ -40,8 +74,6 @@ protected:
     const std::wstring m_path;  ///< of "a.dll.Log"
 
 private:
-    LOGUTILS::LogModuleEntry& Entry(LOGUTILS::LogConfigBlock& block) const;
-
     const OutsideConfig m_config;
 };
 

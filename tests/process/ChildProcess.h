@@ -1,0 +1,53 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "log/dbg/win32/Owned.h"
+#include "platform/undo_windows_macros.h"
+
+namespace Mirqos::Test {
+
+/// Another program of this build, which stands in the test program's folder, running beside the
+/// test. It is ended with the test at the latest.
+class ChildProcess {
+public:
+    /// Starts it. The arguments contain neither blanks at their ends nor quotes.
+    ChildProcess(const std::wstring& program, const std::vector<std::wstring>& arguments);
+    ~ChildProcess();
+    ChildProcess(ChildProcess&& other) = default;
+    ChildProcess& operator=(ChildProcess&&) = delete;
+
+    std::uint32_t Id() const { return m_dwId; }
+    HANDLE Handle() const { return m_process.Get(); }
+    bool IsRunning() const;
+    /// Waits for its end and returns its exit code.
+    std::uint32_t ExitCode() const;
+    /// Ends it where it stands, and waits for that.
+    void Kill() const;
+
+private:
+    LOGUTILS::KernelObject m_process;
+    std::uint32_t m_dwId = 0;
+};
+
+/// A signal that processes share by its name; once set it stays so.
+class SharedSignal {
+public:
+    explicit SharedSignal(const std::wstring& name);
+
+    void Set() const { SetEvent(m_event.Get()); }
+    /// Waits for half a minute at most; false when the signal was not set by then.
+    bool Wait() const;
+
+private:
+    LOGUTILS::KernelObject m_event;
+};
+
+/// A name that no other test uses at the same time.
+std::wstring UniqueName(const std::wstring& what);
+
+}  // namespace Mirqos::Test
