@@ -13,8 +13,8 @@ from tool_case import COMMAND, LIMIT, WRONG_SECRET, Case, ScriptedCase, digest, 
 
 PART = 8 << 20
 OVERLAP = 16
-COMMANDS = ("put", "get", "rm", "ls", "find", "stat", "tag", "mb", "rb", "buckets", "location",
-            "lifecycle", "uploads")
+COMMANDS = ("backup", "restore", "verify", "put", "get", "cp", "rm", "ls", "find", "stat", "tag", "mb",
+            "rb", "buckets", "location", "lifecycle", "uploads")
 
 
 class Objects(Case):
