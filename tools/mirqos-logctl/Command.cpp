@@ -45,7 +45,7 @@ constexpr Form kForms[] = {
     throw Failure(ExitCode::Usage, message);
 }
 
-Arguments TakeApart(const std::vector<std::string>& arguments) {
+Arguments TakeApart(const std::vector<std::string>& given) {
     static const std::vector<Tool::Option> options = {
         {"all", "", "", "", '\0'},
         {"json", "", "", "", '\0'},
@@ -53,7 +53,7 @@ Arguments TakeApart(const std::vector<std::string>& arguments) {
         {"version", "", "", "", '\0'},
     };
     try {
-        return {arguments, options};
+        return {given, options};
     } catch (const Tool::Failure& failure) {
         Refuse(failure.what());
     }
@@ -138,13 +138,13 @@ void ReadOperand(Command& command, Operand operand, const std::string& text) {
 
 }  // namespace
 
-Command ReadCommand(const std::vector<std::string>& given) {
-    const Arguments arguments = TakeApart(given);
-    const std::vector<std::string>& words = arguments.Words();
+Command ReadCommand(const std::vector<std::string>& arguments) {
+    const Arguments parts = TakeApart(arguments);
+    const std::vector<std::string>& words = parts.Words();
     Command command;
-    command.json = arguments.Has("json");
-    if (arguments.Has("help") || arguments.Has("version")) {
-        command.action = arguments.Has("help") ? Action::Help : Action::Version;
+    command.json = parts.Has("json");
+    if (parts.Has("help") || parts.Has("version")) {
+        command.action = parts.Has("help") ? Action::Help : Action::Version;
         return command;
     }
     if (words.empty()) {
@@ -152,7 +152,7 @@ Command ReadCommand(const std::vector<std::string>& given) {
     }
     const Form& form = FormOf(words[0]);
     command.action = form.action;
-    const bool all = arguments.Has("all");
+    const bool all = parts.Has("all");
     if (all && !form.target) {
         Refuse("--all is no option of " + words[0]);
     }

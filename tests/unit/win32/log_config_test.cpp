@@ -21,7 +21,6 @@
 
 namespace {
 
-using LOGUTILS::LogConfigBlock;
 using LOGUTILS::WindowsCalls;
 using Mirqos::Test::CallSpy;
 using Mirqos::Test::InventedProcess;
