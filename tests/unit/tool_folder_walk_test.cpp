@@ -1,0 +1,104 @@
+#include "tools/mirqos/FolderWalk.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "tools/mirqos/Folder.h"
+#include "tools/mirqos/PartFile.h"
+
+namespace Mirqos::Tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ToolFolderWalk : public ::testing::Test {
+protected:
+    ToolFolderWalk() { fs::create_directories(m_folder); }
+    ~ToolFolderWalk() override {
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+    }
+
+    void Write(const std::string& path, const std::string& text) const {
+        const fs::path file = m_folder / fs::u8path(path);
+        fs::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << text;
+    }
+    std::string Name() const { return m_folder.u8string(); }
+    FolderContents Walk() const {
+        return WalkFolder(Name(), [] {});
+    }
+
+    const fs::path m_folder =
+        fs::temp_directory_path() / ("mirqos-walk-" + std::to_string(std::random_device()()));
+};
+
+TEST_F(ToolFolderWalk, FindsEveryFileAndEmptyFolder) {
+    Write("top", "12345");
+    Write("a/b/c \u00e4\u20ac.txt", "");
+    fs::create_directories(m_folder / "none" / "here");
+    const FolderContents contents = Walk();
+    ASSERT_EQ(contents.files.size(), 2U);
+    EXPECT_EQ(contents.files.at("top").size, 5U);
+    EXPECT_EQ(contents.files.at("a/b/c \u00e4\u20ac.txt").size, 0U);
+    EXPECT_EQ(contents.files.at("top"), LocalFile::OpenForReading(JoinPath(Name(), "top")).State());
+    EXPECT_EQ(contents.emptyFolders, std::set<std::string>{"none/here"});
+    EXPECT_TRUE(contents.unread.empty());
+    EXPECT_EQ(contents.leftOut, 0U);
+}
+
+TEST_F(ToolFolderWalk, AnEmptyFolderHoldsNothingAndAMissingOneIsAFailure) {
+    const FolderContents contents = Walk();
+    EXPECT_TRUE(contents.files.empty());
+    EXPECT_TRUE(contents.emptyFolders.empty());
+    EXPECT_THROW(WalkFolder(JoinPath(Name(), "missing"), [] {}), Failure);
+}
+
+TEST_F(ToolFolderWalk, PathsLongerThanWindowsTakesAsTheyAreAreFound) {
+    std::string path = Name();
+    for (int depth = 0; depth < 10; ++depth) {
+        path = JoinPath(path, std::string(50, 'd'));
+    }
+    MakeFolders(path);
+    const std::string name = JoinPath(path, "file");
+    {
+        PartFile file(name);
+        file.SetModified(12'345'678'901'234'567);
+        file.Commit();
+    }
+    const FolderContents contents = Walk();
+    ASSERT_EQ(contents.files.size(), 1U);
+    EXPECT_EQ(contents.files.begin()->second.modified, 12'345'678'901'234'567);
+    EXPECT_EQ(JoinPath(Name(), contents.files.begin()->first), name);
+    // the test's own clean-up may not take such paths
+    EXPECT_TRUE(RemoveFile(name));
+    for (; path.size() > Name().size(); path.resize(path.rfind('/'))) {
+        RemoveEmptyFolder(path);
+    }
+}
+
+TEST_F(ToolFolderWalk, FoldersAreMadeWithThoseAboveThemAndNotInAFilesPlace) {
+    const std::string deep = JoinPath(Name(), "a/b/c");
+    MakeFolders(deep);
+    MakeFolders(deep);
+    EXPECT_TRUE(IsFolder(deep));
+    Write("file", "x");
+    EXPECT_THROW(MakeFolders(JoinPath(Name(), "file")), Failure);
+    EXPECT_THROW(MakeFolders(JoinPath(Name(), "file/below")), Failure);
+}
+
+TEST_F(ToolFolderWalk, WhatLiesBelowAnUnreadFolderIsUnknown) {
+    FolderContents contents;
+    contents.unread = {{"a/b", "cannot be listed"}};
+    EXPECT_TRUE(contents.IsUnknown("a/b"));
+    EXPECT_TRUE(contents.IsUnknown("a/b/c/d"));
+    EXPECT_FALSE(contents.IsUnknown("a/bc"));
+    EXPECT_FALSE(contents.IsUnknown("a"));
+}
+
+}  // namespace
+}  // namespace Mirqos::Tool
