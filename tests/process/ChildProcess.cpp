@@ -1,8 +1,7 @@
 #include "tests/process/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
+#include <stdexcept>
 
 #include "log/dbg/LogFilePath.h"
 #include "log/dbg/win32/ModuleFiles.h"
@@ -12,6 +11,13 @@ namespace {
 
 constexpr UINT kKilled = 99;
 constexpr DWORD kPatience = 30000;  // ms
+
+void Require(bool bDone, const char* pszWhat) {
+    if (!bDone) {
+        throw std::runtime_error(std::string(pszWhat) + ": error " +
+                                 std::to_string(GetLastError()));
+    }
+}
 
 }  // namespace
 
@@ -26,9 +32,9 @@ ChildProcess::ChildProcess(const std::wstring& program,
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    EXPECT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                               nullptr, &startup, &process))
-        << "error " << GetLastError();
+    Require(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                           &startup, &process) != FALSE,
+            "CreateProcess");
     const LOGUTILS::KernelObject thread(process.hThread);
     m_process.Reset(process.hProcess);
     m_dwId = process.dwProcessId;
@@ -47,7 +53,7 @@ bool ChildProcess::IsRunning() const {
 std::uint32_t ChildProcess::ExitCode() const {
     WaitForSingleObject(m_process.Get(), INFINITE);
     DWORD dwCode = 0;
-    EXPECT_TRUE(GetExitCodeProcess(m_process.Get(), &dwCode));
+    Require(GetExitCodeProcess(m_process.Get(), &dwCode) != FALSE, "GetExitCodeProcess");
     return dwCode;
 }
 
@@ -57,8 +63,8 @@ void ChildProcess::Kill() const {
 }
 
 SharedSignal::SharedSignal(const std::wstring& name)
-    : m_event(CreateEventW(nullptr, TRUE, FALSE, name.c_str())) {
-    EXPECT_TRUE(m_event) << "error " << GetLastError();
+    : m_name(name), m_event(CreateEventW(nullptr, TRUE, FALSE, name.c_str())) {
+    Require(static_cast<bool>(m_event), "CreateEvent");
 }
 
 bool SharedSignal::Wait() const {

@@ -11,8 +11,8 @@
 
 namespace Mirqos::Test {
 
-/// Another program of this build, which stands in the test program's folder, running beside the
-/// test. It is ended with the test at the latest.
+/// Another program of this build, which stands in the running one's folder, running beside it. It
+/// is ended with this object at the latest. What Windows refuses is thrown as std::runtime_error.
 class ChildProcess {
 public:
     /// Starts it. The arguments contain neither blanks at their ends nor quotes.
@@ -39,11 +39,14 @@ class SharedSignal {
 public:
     explicit SharedSignal(const std::wstring& name);
 
+    const std::wstring& Name() const { return m_name; }
     void Set() const { SetEvent(m_event.Get()); }
+    bool IsSet() const { return WaitForSingleObject(m_event.Get(), 0) == WAIT_OBJECT_0; }
     /// Waits for half a minute at most; false when the signal was not set by then.
     bool Wait() const;
 
 private:
+    std::wstring m_name;
     LOGUTILS::KernelObject m_event;
 };
 
