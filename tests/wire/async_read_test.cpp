@@ -14,7 +14,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 TEST_F(AsyncRead, ThreeReadsFillTheirOwnBuffers) {

@@ -25,7 +25,7 @@ protected:
 
     static std::string BodyOf(int number) {
         std::string body;
-        const auto size = static_cast<std::size_t>(20000 + number * 97);
+        const std::size_t size = 20000 + 97 * static_cast<std::size_t>(number);
         for (std::size_t i = 0; i < size; ++i) {
             body += static_cast<char>((i * 31 + i / 251 + static_cast<std::size_t>(number)) % 256);
         }

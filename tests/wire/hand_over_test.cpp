@@ -5,7 +5,6 @@
 #include <atomic>
 #include <new>
 #include <set>
-#include <system_error>
 #include <thread>
 
 #include "exec/ExecutorSeam.h"
@@ -19,7 +18,6 @@ namespace {
 
 using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 
 constexpr std::int32_t kOutOfMemory = 14;
 /// Of parts, reads and nothing else here.
