@@ -12,7 +12,7 @@ deps: ## install the Debian packages that building and testing need (needs root)
 test: deps ## everything: check the sources, build and test all four presets (PRESETS="..." for some)
 	@scripts/test $(PRESETS)
 
-demo: deps ## build the product and let it carry real files to an S3 server and back
+demo: deps ## build the product and let it back up a folder to an S3 server and restore it
 	@scripts/demo
 
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
