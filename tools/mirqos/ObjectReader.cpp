@@ -30,7 +30,10 @@ CloudStoreReadObjectContext RangeOf(const ObjectUrl& url, std::uint64_t first, s
 
 ObjectReader::ObjectReader(MIRQOSInterface& store, unsigned ranges,
                            const Interruption& interruption)
-    : m_store(store), m_ranges(ranges), m_interruption(interruption) {
+    : m_store(store),
+      m_ranges(ranges),
+      m_range(std::min(kRange, kBatch / ranges)),
+      m_interruption(interruption) {
 }
 
 std::int32_t ObjectReader::Read(const ObjectUrl& url, std::uint64_t size, const Sink& take) {
@@ -42,7 +45,8 @@ std::int32_t ObjectReader::Read(const ObjectUrl& url, std::uint64_t size, const 
 }
 
 std::int32_t ObjectReader::ReadOne(const ObjectUrl& url, std::uint64_t size, const Sink& take) {
-    m_now.bytes.resize(kRange);
+    const auto room = static_cast<std::size_t>(std::min<std::uint64_t>(size, kRange));
+    m_now.bytes.resize(std::max(m_now.bytes.size(), room));
     for (std::uint64_t begin = 0; begin < size; begin += kRange) {
         m_interruption.CheckPoint();
         const std::uint64_t end = std::min<std::uint64_t>(size, begin + kRange);
@@ -57,7 +61,7 @@ std::int32_t ObjectReader::ReadOne(const ObjectUrl& url, std::uint64_t size, con
 
 /// While one batch is on its way, the one before it is worked on.
 std::int32_t ObjectReader::ReadMany(const ObjectUrl& url, std::uint64_t size, const Sink& take) {
-    const std::uint64_t length = std::uint64_t{kRange} * m_ranges;
+    const std::uint64_t length = std::uint64_t{m_range} * m_ranges;
     m_now.bytes.resize(static_cast<std::size_t>(length));
     m_next.bytes.resize(static_cast<std::size_t>(length));
     const auto startAt = [&](std::uint64_t begin) {
@@ -91,8 +95,8 @@ std::int32_t ObjectReader::ReadMany(const ObjectUrl& url, std::uint64_t size, co
 }
 
 void ObjectReader::Start(const ObjectUrl& url, Batch& batch) {
-    for (std::uint64_t first = batch.begin; first < batch.end; first += kRange) {
-        auto read = RangeOf(url, first, std::min<std::uint64_t>(batch.end, first + kRange),
+    for (std::uint64_t first = batch.begin; first < batch.end; first += m_range) {
+        auto read = RangeOf(url, first, std::min<std::uint64_t>(batch.end, first + m_range),
                             batch.bytes.data() + (first - batch.begin));
         m_store.ReadObjectAsync(&read);
     }

@@ -19,13 +19,16 @@ class ObjectReader {
 public:
     /// The most that one read asks for; what the store needs as room.
     static constexpr std::size_t kRange = std::size_t{8} << 20U;
+    /// What ranges that are read together have at most: there are two such buffers, and the
+    /// library's own.
+    static constexpr std::size_t kBatch = std::size_t{64} << 20U;
 
     /// Takes the bytes, in their order.
     using Sink =
         std::function<void(std::uint64_t offset, const unsigned char* from, std::size_t size)>;
 
-    /// `store`: this reader's own, with kRange as room. `ranges`: read at a time; more than one
-    /// needs that many threads of the store's.
+    /// `store`: this reader's own, with kRange as room. `ranges`: read at a time, up to 64; more
+    /// than one needs that many threads of the store's.
     ObjectReader(MIRQOSInterface& store, unsigned ranges, const Interruption& interruption);
 
     /// Where the object is shorter, other bytes than its own reach `take` in place of the missing:
@@ -48,6 +51,7 @@ private:
 
     MIRQOSInterface& m_store;
     const unsigned m_ranges;
+    const std::size_t m_range;  ///< bytes of one that is read together with others
     const Interruption& m_interruption;
     Batch m_now;
     Batch m_next;
