@@ -1,6 +1,6 @@
 # The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
 .DEFAULT_GOAL := help
-.PHONY: help deps test demo fuzz format lint clean
+.PHONY: help deps test demo fuzz bench format lint clean
 .NOTPARALLEL:
 
 help: ## this list
@@ -17,6 +17,9 @@ demo: deps ## build the product and let it back up a folder to an S3 server and 
 
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
+
+bench: deps ## measure what a log line costs and print a table
+	@scripts/bench
 
 format: deps ## lay out the sources as .clang-format says
 	@scripts/format fix

@@ -7,11 +7,11 @@ bool IsUnicodeFile(const std::array<char, 2>& beginning) {
 }
 
 std::string Utf16Bytes(WideView text) {
-    std::string bytes;
-    bytes.reserve(text.size() * 2);
+    std::string bytes(text.size() * 2, '\0');
+    char* pByte = bytes.data();
     for (const WideChar c : text) {
-        bytes += static_cast<char>(c & 0xFF);
-        bytes += static_cast<char>((c >> 8) & 0xFF);
+        *pByte++ = static_cast<char>(c & 0xFF);
+        *pByte++ = static_cast<char>((c >> 8) & 0xFF);
     }
     return bytes;
 }

@@ -32,7 +32,7 @@ WideString UpperCase(WideView text) {
 
 bool EqualIgnoringCase(WideView left, WideView right) {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](WideChar l, WideChar r) { return Upper(l) == Upper(r); });
+                      [](WideChar l, WideChar r) { return l == r || Upper(l) == Upper(r); });
 }
 
 bool BeginsWithIgnoringCase(WideView text, WideView beginning) {

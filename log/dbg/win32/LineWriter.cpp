@@ -35,7 +35,7 @@ void LineWriter::AppendParts(const EncodedLine& line) const {
     WritePart(line.m_header, L"[%d:%d] Failed to Write log header. ERR=%d, [%d]File=%s\r\n");
     WritePart(line.m_message, L"[%d:%d] Failed to Write log message. ERR=%d, [%d]File=%s\r\n");
     WritePart(line.m_tail, L"[%d:%d] Failed to Write log tail. ERR=%d, [%d]File=%s\r\n");
-    WritePart(EncodedText("\r\n", m_bUnicode),
+    WritePart(EncodedText(L"\r\n", m_bUnicode),
               L"[%d:%d] Failed to Write [rn]. ERR=%d, [%d]File=%s\r\n");
 }
 
