@@ -61,7 +61,7 @@ private:
     LOGUTILS::NamedMutex m_mutex;
     LOGUTILS::KernelObject m_mapping;
     LOGUTILS::View m_view;
-    LOGUTILS::LogModuleEntry* m_pEntry = nullptr;  ///< the entry that was found last
+    LOGUTILS::LogModuleEntry* m_pEntry = nullptr;  ///< of the module that registered last
     unsigned m_nInstallKinds;
     wchar_t m_szLogRoot[LOGUTILS::kPathRoom];
 };
