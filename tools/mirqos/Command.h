@@ -20,6 +20,10 @@ struct Invocation {
     const Settings& settings;
     Interruption& interruption;
 
+    /// The operand that names a folder. Throws Failure (Usage) where it is empty, as a variable
+    /// that was never set makes it: that would mean the root.
+    std::string Folder(std::size_t operand) const;
+
     /// A result line on the output stream, unless --quiet.
     void Report(const std::string& line) const;
 };

@@ -103,6 +103,13 @@ int Report(ExitCode code, const std::string& message) {
 
 }  // namespace
 
+std::string Invocation::Folder(std::size_t operand) const {
+    if (operands[operand].empty()) {
+        throw Failure(ExitCode::Usage, "the folder's name is empty");
+    }
+    return operands[operand];
+}
+
 void Invocation::Report(const std::string& line) const {
     if (!settings.quiet) {
         WriteOutput(line + "\n");

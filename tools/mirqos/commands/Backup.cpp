@@ -46,7 +46,7 @@ class Backup {
 public:
     explicit Backup(const Invocation& invocation)
         : m_invocation(invocation),
-          m_folder(invocation.operands[0]),
+          m_folder(invocation.Folder(0)),
           m_prefix(ParsePrefixUrl(invocation.operands[1])),
           m_inFlight(InFlight(invocation)) {}
 

@@ -24,7 +24,7 @@ public:
     explicit Restore(const Invocation& invocation)
         : m_invocation(invocation),
           m_prefix(ParsePrefixUrl(invocation.operands[0])),
-          m_folder(invocation.operands[1]) {}
+          m_folder(invocation.Folder(1)) {}
 
     void Run() {
         {
@@ -95,9 +95,11 @@ private:
 
     ObjectState Fetch(const StoredFile& file, const std::string& partName,
                       const ReadStored& read) const {
-        const std::string name = JoinPath(m_folder, file.path);
-        MakeFolders(name.substr(0, name.rfind('/')));
-        PartFile part(name, partName);
+        const std::size_t slash = file.path.rfind('/');
+        if (slash != std::string::npos) {
+            MakeFolders(JoinPath(m_folder, file.path.substr(0, slash)));
+        }
+        PartFile part(JoinPath(m_folder, file.path), partName);
         const ObjectState state =
             read(file, [&](std::uint64_t offset, const unsigned char* from, std::size_t size) {
                 part.WriteAt(offset, from, size);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "tools/mirqos/Answer.h"
@@ -68,7 +69,10 @@ private:
 class Verify {
 public:
     explicit Verify(const Invocation& invocation)
-        : m_invocation(invocation), m_prefix(ParsePrefixUrl(invocation.operands[0])) {}
+        : m_invocation(invocation),
+          m_prefix(ParsePrefixUrl(invocation.operands[0])),
+          m_folder(invocation.operands.size() > 1 ? std::optional<std::string>(invocation.Folder(1))
+                                                  : std::nullopt) {}
 
     void Run() {
         {
@@ -80,8 +84,8 @@ public:
             m_runEnded = manifest.runEnded;
             auto files = LiveFiles(manifest);
             m_count = files.size();
-            if (ComparesFolder()) {
-                CompareFolder(files, progress);
+            if (m_folder) {
+                CompareFolder(*m_folder, files, progress);
             }
             auto listed = List(session, backup, manifest, files);
             ReadBack(session, backup, listed, progress);
@@ -90,8 +94,6 @@ public:
     }
 
 private:
-    bool ComparesFolder() const { return m_invocation.operands.size() > 1; }
-
     /// Which files have an object of their size; what misses one, and what is there besides, is
     /// noted.
     std::vector<StoredFile> List(const Session& session, const BackupStore& backup,
@@ -141,8 +143,8 @@ private:
         });
     }
 
-    void CompareFolder(const std::vector<StoredFile>& files, Progress& progress) {
-        const std::string& folder = m_invocation.operands[1];
+    void CompareFolder(const std::string& folder, const std::vector<StoredFile>& files,
+                       Progress& progress) {
         FolderContents contents =
             WalkFolder(folder, [this] { m_invocation.interruption.CheckPoint(); });
         m_troubles = contents.unread;
@@ -203,7 +205,7 @@ private:
         document["goodBytes"] = m_goodBytes;
         document["runEnded"] = m_runEnded;
         document["objects"] = m_objects.Describe();
-        if (ComparesFolder()) {
+        if (m_folder) {
             document["folder"] = m_local.Describe();
             document["failed"] = Describe(m_troubles);
         }
@@ -222,6 +224,7 @@ private:
 
     const Invocation& m_invocation;
     const ObjectUrl m_prefix;
+    const std::optional<std::string> m_folder;
     const Stopwatch m_stopwatch;
     bool m_runEnded = true;
     std::mutex m_mutex;
