@@ -92,7 +92,7 @@ void CLogShareMemory::Write(int nLevel, int nErrorCode, const wchar_t* pszSource
 }
 
 int CLogShareMemory::Read(LogMessages& messages) {
-    if (!m_mutex || !m_hMapping) {
+    if (!IsOpen()) {
         return 0;
     }
     const LOGUTILS::MutexHold hold = m_mutex.Wait(kMutexLimit);
@@ -114,7 +114,7 @@ int CLogShareMemory::Read(LogMessages& messages) {
 }
 
 void CLogShareMemory::Append(const LOGUTILS::LogRecord& record) {
-    if (record.m_szText[0] == L'\0' || !m_mutex || !m_hMapping) {
+    if (record.m_szText[0] == L'\0' || !IsOpen()) {
         return;
     }
     {

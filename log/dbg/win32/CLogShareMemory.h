@@ -46,6 +46,9 @@ public:
     /// reader: a full ring loses its oldest record.
     virtual void Append(const LOGUTILS::LogRecord& record);
 
+    /// Whether the mutex and the ring are there to write or read.
+    bool IsOpen() const { return m_mutex && m_hMapping; }
+
 private:
     LOGUTILS::WideString m_strChannelName;
     LOGUTILS::NamedMutex m_mutex;

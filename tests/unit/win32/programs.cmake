@@ -2,15 +2,16 @@
 
 # they look at the files as they are built
 set(version_files "\"$<TARGET_FILE:MIRQOS>\"" "\"$<TARGET_FILE:mirqos_program>\""
-                  "\"$<TARGET_FILE:mirqos_logctl>\"")
+                  "\"$<TARGET_FILE:mirqos_logctl>\"" "\"$<TARGET_FILE:mirqos_logview>\"")
 target_compile_definitions(unit.version_resource PRIVATE MIRQOS_LIBRARY="$<TARGET_FILE:MIRQOS>"
                            MIRQOS_FILES=$<JOIN:${version_files},$<COMMA>>
                            MIRQOS_VERSION="${PROJECT_VERSION}")
 target_link_libraries(unit.version_resource PRIVATE version)
-add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl)
+add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl mirqos_logview)
 
 # They announce a viewer, and then every process of the machine logs to channels: one at a time.
-set_property(TEST unit.sm_output unit.breakpoint_hold APPEND PROPERTY RESOURCE_LOCK log_viewer)
+set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
+             RESOURCE_LOCK log_viewer)
 
 # Operations are called by their place in the table of virtual functions. GCC's C++ ABI puts two
 # destructors before the first, MSVC's puts one.
@@ -24,3 +25,10 @@ target_compile_definitions(unit.sm_output PRIVATE
 foreach(name block command edit report)
   target_link_libraries(unit.logctl_${name} PRIVATE mirqos_log_control)
 endforeach()
+foreach(name command input lines objects table)
+  target_link_libraries(unit.logview_${name} PRIVATE mirqos_log_view)
+endforeach()
+
+# It looks for the version of its own executable.
+add_library(unit.machine_facts_version OBJECT ${CMAKE_CURRENT_LIST_DIR}/machine_facts.rc)
+target_sources(unit.machine_facts PRIVATE $<TARGET_OBJECTS:unit.machine_facts_version>)
