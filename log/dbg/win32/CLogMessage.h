@@ -16,6 +16,9 @@ namespace NSDBG {
 /// A record that was taken from a channel. It counts its references, from 1 on, and deletes itself
 /// with the last one; any thread may add and release references. Texts live as long as it does.
 class CLogMessage {
+protected:
+    virtual ~CLogMessage();  // stands first in the table of virtual functions
+
 public:
     explicit CLogMessage(const LOGUTILS::LogRecord& record);
     CLogMessage(const CLogMessage&) = delete;
@@ -35,9 +38,6 @@ public:
     virtual std::uint32_t GetLevel() const;
     virtual SYSTEMTIME GetTime() const;
     virtual const wchar_t* GetText() const;
-
-protected:
-    virtual ~CLogMessage();
 
 private:
     std::atomic<std::int32_t> m_nReferences{1};

@@ -7,8 +7,11 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/win32/CallSlot.h"
+
 namespace {
 
+using Mirqos::Test::CallSlot;
 using NSDBG::CLogMessage;
 using NSDBG::LogMessageReference;
 
@@ -106,6 +109,23 @@ TEST(LogMessage, ThreadsMayShareIt) {
     }
     EXPECT_EQ(nEnds, 0);
     EXPECT_EQ(pMessage->Release(), 0);
+    EXPECT_EQ(nEnds, 1);
+}
+
+TEST(LogMessage, OperationsStandInTheirOrder) {
+    int nEnds = 0;
+    auto* const pMessage = new CountedMessage(FullRecord(), nEnds);
+    CLogMessage& message = *pMessage;
+    EXPECT_EQ(CallSlot<std::int32_t>(message, 2), 2);
+    EXPECT_EQ(CallSlot<std::int32_t>(message, 3), 1);
+    EXPECT_STREQ(CallSlot<const wchar_t*>(message, 5), L"Engine.exe");
+    EXPECT_STREQ(CallSlot<const wchar_t*>(message, 6), L"MIRQOS.dll");
+    EXPECT_EQ(CallSlot<std::uint32_t>(message, 7), 4711u);
+    EXPECT_EQ(CallSlot<std::uint32_t>(message, 8), 815u);
+    EXPECT_EQ(CallSlot<std::uint32_t>(message, 9), 0x80070005u);
+    EXPECT_EQ(CallSlot<std::uint32_t>(message, 10), 2u);
+    EXPECT_STREQ(CallSlot<const wchar_t*>(message, 12), L"a \u4E2D line");
+    EXPECT_EQ(CallSlot<std::int32_t>(message, 3), 0);
     EXPECT_EQ(nEnds, 1);
 }
 

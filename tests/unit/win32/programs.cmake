@@ -19,8 +19,9 @@ set(destructor_entries 2)
 if(MSVC)
   set(destructor_entries 1)
 endif()
-target_compile_definitions(unit.sm_output PRIVATE
-                           MIRQOS_DESTRUCTOR_ENTRIES=${destructor_entries})
+foreach(name log_message share_memory sm_output)
+  target_compile_definitions(unit.${name} PRIVATE MIRQOS_DESTRUCTOR_ENTRIES=${destructor_entries})
+endforeach()
 
 foreach(name block command edit report)
   target_link_libraries(unit.logctl_${name} PRIVATE mirqos_log_control)

@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "log/dbg/win32/WindowsCalls.h"
+#include "tests/support/win32/CallSlot.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/ViewerSide.h"
 
 namespace {
 
 using LOGUTILS::WindowsCalls;
+using Mirqos::Test::CallSlot;
 using Mirqos::Test::CallSpy;
 using Mirqos::Test::ListenedChannel;
 using Mirqos::Test::RingBytes;
@@ -559,6 +561,20 @@ TEST_F(ShareMemoryTest, ReaderThatCannotHaveTheMutexOrTheRingKeepsWhatItHad) {
     EXPECT_TRUE(Mirqos::Test::IsFree(m_channel.Names().mutex));
     reader.Close();
     EXPECT_EQ(reader.Read(messages), 0);
+}
+
+TEST_F(ShareMemoryTest, OperationsStandInTheirOrder) {
+    EXPECT_EQ(CallSlot<int>(m_writer, 2), 1);
+    CallSlot<void>(m_writer, 5, 1, 0, L"Source.dll", L"written");
+    const LOGUTILS::LogRecord record = LOGUTILS::MakeRecord(kExecutable, L"", L"appended");
+    CallSlot<void>(m_writer, 7, &record);
+    CLogShareMemory reader(kExecutable);
+    LogMessages messages;
+    CallSlot<void>(reader, 3);
+    EXPECT_EQ(CallSlot<int>(reader, 6, &messages), 1);
+    EXPECT_EQ(TextsOf(messages), (std::vector<std::wstring>{L"written", L"appended"}));
+    CallSlot<void>(reader, 4);
+    EXPECT_EQ(CallSlot<int>(reader, 6, &messages), 0);
 }
 
 }  // namespace

@@ -7,9 +7,13 @@
 #include <thread>
 #include <vector>
 
+#include "log/CMIRQOSLog.h"
+#include "log/ModuleLog.h"
 #include "log/dbg/win32/ModuleFiles.h"
 #include "log/dbg/win32/WindowsCalls.h"
 #include "tests/support/FailingAllocation.h"
+#include "tests/support/RecordingOutput.h"
+#include "tests/support/win32/CallSlot.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/ViewerSide.h"
 
@@ -18,6 +22,7 @@ namespace {
 using LOGUTILS::WindowsCalls;
 using Mirqos::Test::AnnouncedViewer;
 using Mirqos::Test::BreakpointBoard;
+using Mirqos::Test::CallSlot;
 using Mirqos::Test::CallSpy;
 using Mirqos::Test::ListenedChannel;
 using Mirqos::Test::RingBytes;
@@ -268,6 +273,19 @@ TEST_F(SMOutputTest, StepsTellWhetherTheySucceeded) {
     EXPECT_EQ(m_output.Connect(), 0);
 }
 
+TEST_F(SMOutputTest, ALoggersLinesReachTheChannel) {
+    CMIRQOSLog log(Aws::Utils::Logging::LogLevel::Warn);
+    log.m_pFileOutput = std::make_unique<Mirqos::Test::RecordingOutput>(0);
+    ModuleLog(&log, 2, "\na narrow line\n");
+    ModuleLogW(&log, 1, L"a wide line");
+    ModuleLog(&log, 3, "dropped");
+    EXPECT_EQ(Ring().LastWritten(), 1);
+    EXPECT_EQ(Ring().Line(0), u"a narrow line");
+    EXPECT_EQ(Ring().Number(RingBytes::LevelAt(0)), 2u);
+    EXPECT_EQ(Ring().Line(1), u"a wide line");
+    EXPECT_EQ(Ring().Number(RingBytes::ErrorCodeAt(1)), 0u);
+}
+
 TEST_F(SMOutputTest, OutputsAndThreadsOfAProcessShareTheChannel) {
     constexpr int kThreads = 4;
     constexpr int kLines = 200;
@@ -348,15 +366,6 @@ TEST_F(SMOutputTest, BreakpointsAreClosedWhenTheViewerGoes) {
     EXPECT_FALSE(Mirqos::Test::MappingExists(Mirqos::Test::kGlobalTable));
     EXPECT_FALSE(Mirqos::Test::MutexExists(Mirqos::Test::kTableMutex));
     EXPECT_FALSE(Mirqos::Test::EventExists(Mirqos::Test::kHitEvent));
-}
-
-/// Calls an operation by its place in the table of virtual functions, as other modules do.
-template <typename Result, typename... Arguments>
-Result CallSlot(CSMOutput& output, std::size_t nSlot, Arguments... arguments) {
-    using Operation = Result (*)(CSMOutput*, Arguments...);
-    void* const* const pTable = *reinterpret_cast<void***>(&output);
-    return reinterpret_cast<Operation>(pTable[nSlot - 2 + MIRQOS_DESTRUCTOR_ENTRIES])(&output,
-                                                                                      arguments...);
 }
 
 TEST_F(SMOutputTest, OperationsStandInTheirOrder) {
