@@ -135,7 +135,7 @@ int RunAsProcess(wchar_t** ppszArguments) {
 }
 
 double Median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
+    std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
 
