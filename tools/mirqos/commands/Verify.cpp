@@ -246,8 +246,8 @@ Command VerifyCommand() {
     return {"verify",
             "s3://BUCKET[/PREFIX] [FOLDER]",
             "read a backup back and compare digests",
-            "Reads every object of the backup and compares its SHA-256 digest with the one that\n"
-            "was taken of the file. Says which objects are missing, differ, or are there\n"
+            "Reads every object of the backup and compares its SHA-256 digest with the one\n"
+            "that was taken of the file. Says which objects are missing, differ, or are there\n"
             "besides; the objects of files that are gone are none of these. With FOLDER it\n"
             "compares the files there with the backup as well, and not their times. The exit\n"
             "code is 5 where anything was found.\n"
