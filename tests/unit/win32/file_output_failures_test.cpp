@@ -146,7 +146,8 @@ TEST_F(FileFailures, AnAbandonedMutexCostsTheLineAndIsGivenBack) {
         const LOGUTILS::KernelObject mutex(
             OpenMutexW(SYNCHRONIZE, FALSE, LOGUTILS::FileMutexName(m_path).c_str()));
         EXPECT_EQ(WaitForSingleObject(mutex.Get(), INFINITE), static_cast<DWORD>(WAIT_OBJECT_0));
-    }).join();
+    })
+        .join();
     m_output.Write(1, 0, "lost");
     EXPECT_EQ(m_trace.Texts(), Texts{WaitFailure()});
     std::thread([&] {
@@ -163,8 +164,10 @@ TEST_F(FileFailures, ASeekThatFailsSkipsTheLine) {
             SetLastError(ERROR_SEEK);
             return FALSE;
         });
+        const CallSpy<&WindowsCalls::writeFile> write;
         m_output.Write(1, 0, "lost");
         EXPECT_EQ(seek.Calls(), 1);
+        EXPECT_EQ(write.Calls(), 0);
     }
     EXPECT_EQ(m_trace.Texts(), Texts{Failure(L"Failed to SetFilePointer.", ERROR_SEEK)});
     EXPECT_EQ(MessagesAround([] {}).size(), 2u);

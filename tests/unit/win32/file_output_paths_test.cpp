@@ -127,6 +127,17 @@ TEST_F(FilePaths, APathThatDiffersInLetterCaseIsTheSameFile) {
     EXPECT_EQ(createFile.Calls(), 0);
 }
 
+TEST_F(FilePaths, AnotherFileOfTheSeriesIsTakenAsLongAsNoneIsOpen) {
+    CFileOutput output;
+    const std::wstring third = PathOf(L"a.dll.00000003.log");
+    SetPath(third);
+    output.Write(1, 0, "one");
+    EXPECT_EQ(m_folder.Names(), std::vector<std::wstring>{L"a.dll.00000003.log"});
+    SetPath(m_path);
+    output.Write(1, 0, "two");
+    EXPECT_EQ(MessagesOf(third).size(), 2u) << "the open one counts as the one asked for";
+}
+
 TEST_F(FilePaths, APlainNameInTheBlockGoesIntoTheLogRoot) {
     CFileOutput output;
     SetPath(L"plain-name.Log");
