@@ -10,10 +10,7 @@
 
 namespace {
 
-using LOGUTILS::LogBreakpoint;
-using LOGUTILS::LogBreakpointTable;
-using LOGUTILS::LogGuid;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 using Mirqos::Test::BreakpointBytes;
 
 class LogBreakpointsTest : public testing::Test {
@@ -25,10 +22,10 @@ protected:
     /// The number of the breakpoint that matches; -1 for none.
     int Match(const char* text, std::uint32_t process = 10, std::uint32_t thread = 20,
               const char* channel = "Engine.exe") {
-        const LOGUTILS::WideString wideChannel = LOGUTILS::WidenAscii(channel);
-        const LOGUTILS::WideString wideText = LOGUTILS::WidenAscii(text);
+        const WideString wideChannel = WidenAscii(channel);
+        const WideString wideText = WidenAscii(text);
         const LogBreakpoint* const found =
-            LOGUTILS::FindBreakpoint(Table(), {wideChannel, process, thread, wideText});
+            FindBreakpoint(Table(), {wideChannel, process, thread, wideText});
         return found == nullptr ? -1 : static_cast<int>(found - Table().m_breakpoints);
     }
 
@@ -38,7 +35,7 @@ protected:
 
 TEST_F(LogBreakpointsTest, TableIsAsLargeAsItIsDocumented) {
     EXPECT_EQ(sizeof(LogBreakpointTable), BreakpointBytes::kSize);
-    EXPECT_EQ(sizeof(LOGUTILS::LogHit), BreakpointBytes::kHitSize);
+    EXPECT_EQ(sizeof(LogHit), BreakpointBytes::kHitSize);
 }
 
 TEST_F(LogBreakpointsTest, AnyProcessAndThreadOfTheChannelMatches) {
@@ -125,21 +122,21 @@ TEST_F(LogBreakpointsTest, TextsThatFillTheirRoomsAreComparedWhole) {
 TEST_F(LogBreakpointsTest, TextsWithoutAnEndEndWithTheirRooms) {
     std::memset(m_memory.data(), 'A', m_memory.size());
     EXPECT_EQ(Match("line"), -1);
-    EXPECT_EQ(LOGUTILS::FindFreeHit(Table()), nullptr);
+    EXPECT_EQ(FindFreeHit(Table()), nullptr);
 }
 
 TEST_F(LogBreakpointsTest, HitRecordsAreTakenInOrderUntilAllAreTaken) {
-    EXPECT_EQ(LOGUTILS::FindFreeHit(Table()), &Table().m_hits[0]);
+    EXPECT_EQ(FindFreeHit(Table()), &Table().m_hits[0]);
     for (std::size_t hit = 0; hit < BreakpointBytes::kHits; ++hit) {
         m_bytes.SetNumber(BreakpointBytes::HitAt(hit) + 12, 1);
     }
-    EXPECT_EQ(LOGUTILS::FindFreeHit(Table()), nullptr);
+    EXPECT_EQ(FindFreeHit(Table()), nullptr);
     m_bytes.SetNumber(BreakpointBytes::HitAt(9999) + 12, 0);
     // what follows the first id does not matter
     m_bytes.SetNumber(BreakpointBytes::HitIdAt(9999), 1);
-    EXPECT_EQ(LOGUTILS::FindFreeHit(Table()), &Table().m_hits[9999]);
+    EXPECT_EQ(FindFreeHit(Table()), &Table().m_hits[9999]);
     m_bytes.SetNumber(BreakpointBytes::HitAt(500) + 12, 0);
-    EXPECT_EQ(LOGUTILS::FindFreeHit(Table()), &Table().m_hits[500]);
+    EXPECT_EQ(FindFreeHit(Table()), &Table().m_hits[500]);
 }
 
 TEST_F(LogBreakpointsTest, AHitStandsWhereItIsDocumented) {
@@ -151,27 +148,27 @@ TEST_F(LogBreakpointsTest, AHitStandsWhereItIsDocumented) {
     EXPECT_EQ(m_bytes.Number(BreakpointBytes::HitProcessAt(12)), 77u);
     EXPECT_EQ(m_bytes.Number(BreakpointBytes::HitThreadAt(12)), 88u);
     EXPECT_EQ(m_bytes.HitName(12), "A0B0C0D0-0102-0304-F0E1-D2C3B4A50001");
-    EXPECT_EQ(LOGUTILS::GuidText(hit), LOGUTILS::WidenAscii(m_bytes.HitName(12)));
+    EXPECT_EQ(GuidText(hit), WidenAscii(m_bytes.HitName(12)));
 }
 
 TEST(LogGuid, IsZeroOnlyIfEveryByteIs) {
-    EXPECT_TRUE(LOGUTILS::IsZero(LogGuid{}));
+    EXPECT_TRUE(IsZero(LogGuid{}));
     for (std::size_t n = 0; n < sizeof(LogGuid); ++n) {
         unsigned char bytes[sizeof(LogGuid)] = {};
         bytes[n] = 0x80;
         LogGuid guid;
         std::memcpy(&guid, bytes, sizeof(guid));
-        EXPECT_FALSE(LOGUTILS::IsZero(guid)) << n;
+        EXPECT_FALSE(IsZero(guid)) << n;
         EXPECT_FALSE(guid == LogGuid{}) << n;
         EXPECT_TRUE(guid == guid) << n;
     }
 }
 
 TEST(LogGuid, TextIsUpperCaseWithLeadingZeros) {
-    EXPECT_EQ(LOGUTILS::GuidText({}), "00000000-0000-0000-0000-000000000000"_w);
-    EXPECT_EQ(LOGUTILS::GuidText(
-                  {0x3b66fdf6, 0x4fbe, 0x45f5, {0x8a, 0x86, 0x89, 0x15, 0xc3, 0x18, 0x4d, 0x5b}}),
-              "3B66FDF6-4FBE-45F5-8A86-8915C3184D5B"_w);
+    EXPECT_EQ(GuidText({}), "00000000-0000-0000-0000-000000000000"_w);
+    EXPECT_EQ(
+        GuidText({0x3b66fdf6, 0x4fbe, 0x45f5, {0x8a, 0x86, 0x89, 0x15, 0xc3, 0x18, 0x4d, 0x5b}}),
+        "3B66FDF6-4FBE-45F5-8A86-8915C3184D5B"_w);
 }
 
 }  // namespace

@@ -12,46 +12,41 @@
 
 namespace {
 
-using LOGUTILS::LogRecord;
-using LOGUTILS::LogRing;
-using LOGUTILS::operator""_w;
+using namespace LOGUTILS;
 using Mirqos::Test::RingBytes;
 
 constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
 
-std::u16string Units(LOGUTILS::WideView text) {
+std::u16string Units(WideView text) {
     return {text.begin(), text.end()};
 }
 
-LOGUTILS::WideString Wide(const std::u16string& text) {
+WideString Wide(const std::u16string& text) {
     return {text.begin(), text.end()};
 }
 
 LogRecord Record(std::int64_t nNumber) {
-    return LOGUTILS::MakeRecord("Engine.exe"_w, "MIRQOS.dll"_w, LOGUTILS::Decimal(nNumber));
+    return MakeRecord("Engine.exe"_w, "MIRQOS.dll"_w, Decimal(nNumber));
 }
 
 class LogRingTest : public testing::Test {
 protected:
-    LogRingTest() : m_bytes(RingBytes::kSize, 0xEE), m_reader(m_bytes.data()) {
-        LOGUTILS::ClearRing(Ring());
-    }
+    LogRingTest() : m_bytes(RingBytes::kSize, 0xEE), m_reader(m_bytes.data()) { ClearRing(Ring()); }
 
     LogRing& Ring() { return *reinterpret_cast<LogRing*>(m_bytes.data()); }
 
     void Append(std::int64_t nFirst, std::int64_t nCount) {
         for (std::int64_t n = nFirst; n < nFirst + nCount; ++n) {
-            LOGUTILS::AppendRecord(Ring(), Record(n));
+            AppendRecord(Ring(), Record(n));
         }
     }
 
     std::vector<std::string> Take() {
         std::vector<std::string> taken;
-        const LOGUTILS::NewRecords found = LOGUTILS::FindNewRecords(Ring());
+        const NewRecords found = FindNewRecords(Ring());
         for (std::int64_t i = 0; i < found.m_nCount; ++i) {
-            const auto text =
-                LOGUTILS::TextIn(LOGUTILS::RecordAt(Ring(), found.m_nFirst + i).m_szText);
+            const auto text = TextIn(RecordAt(Ring(), found.m_nFirst + i).m_szText);
             taken.emplace_back(text.begin(), text.end());
         }
         Ring().m_nLastRead = Ring().m_nLastWritten;
@@ -61,7 +56,7 @@ protected:
     std::int64_t CountBetween(std::int64_t nLastRead, std::int64_t nLastWritten) {
         Ring().m_nLastRead = nLastRead;
         Ring().m_nLastWritten = nLastWritten;
-        return LOGUTILS::FindNewRecords(Ring()).m_nCount;
+        return FindNewRecords(Ring()).m_nCount;
     }
 
     std::vector<unsigned char> m_bytes;
@@ -77,18 +72,18 @@ TEST_F(LogRingTest, NobodyHasWrittenToAClearedRing) {
     EXPECT_EQ(m_reader.LastRead(), -1);
     EXPECT_EQ(m_reader.LastWritten(), -1);
     EXPECT_TRUE(m_reader.IsZero(16, RingBytes::kSize - 16));
-    EXPECT_EQ(LOGUTILS::FindNewRecords(Ring()).m_nCount, 0);
+    EXPECT_EQ(FindNewRecords(Ring()).m_nCount, 0);
 }
 
 TEST_F(LogRingTest, EveryFieldOfARecordStandsWhereItIsDocumented) {
-    LogRecord record = LOGUTILS::MakeRecord("Engine.exe"_w, "MIRQOS.dll"_w, "a line"_w);
+    LogRecord record = MakeRecord("Engine.exe"_w, "MIRQOS.dll"_w, "a line"_w);
     record.m_time = {2024, 2, 4, 29, 23, 58, 59, 999};
     record.m_dwErrorCode = 0x80070005;
     record.m_dwLevel = 2;
     record.m_dwProcessId = 0x12345678;
     record.m_dwThreadId = 0x9ABCDEF0;
-    LOGUTILS::AppendRecord(Ring(), record);
-    LOGUTILS::AppendRecord(Ring(), record);
+    AppendRecord(Ring(), record);
+    AppendRecord(Ring(), record);
 
     EXPECT_EQ(m_reader.LastRead(), -1);
     EXPECT_EQ(m_reader.LastWritten(), 1);
@@ -118,10 +113,10 @@ TEST_F(LogRingTest, ARecordThatAnotherProgramWroteIsReadTheSame) {
     m_reader.SetNumber(RingBytes::LevelAt(5), 3);
     m_reader.SetNumber(RingBytes::ProcessAt(5), 44);
     m_reader.SetNumber(RingBytes::ThreadAt(5), 55);
-    const LogRecord& record = LOGUTILS::RecordAt(Ring(), 5);
-    EXPECT_EQ(Units(LOGUTILS::TextIn(record.m_szChannel)), u"\u00C9ngine.exe");
-    EXPECT_EQ(Units(LOGUTILS::TextIn(record.m_szSource)), u"other.dll");
-    EXPECT_EQ(Units(LOGUTILS::TextIn(record.m_szText)), u"\u4E2D\U0001F600");
+    const LogRecord& record = RecordAt(Ring(), 5);
+    EXPECT_EQ(Units(TextIn(record.m_szChannel)), u"\u00C9ngine.exe");
+    EXPECT_EQ(Units(TextIn(record.m_szSource)), u"other.dll");
+    EXPECT_EQ(Units(TextIn(record.m_szText)), u"\u4E2D\U0001F600");
     EXPECT_EQ(record.m_time.m_wYear, 2024);
     EXPECT_EQ(record.m_time.m_wMonth, 12);
     EXPECT_EQ(record.m_dwErrorCode, 5u);
@@ -133,7 +128,7 @@ TEST_F(LogRingTest, ARecordThatAnotherProgramWroteIsReadTheSame) {
 TEST_F(LogRingTest, TextsAreCutToTheirRoomsAndEndInAZero) {
     for (const std::size_t length : {127u, 128u, 200u}) {
         const std::u16string name(length, u'\u00E9');
-        LOGUTILS::AppendRecord(Ring(), LOGUTILS::MakeRecord(Wide(name), Wide(name), "x"_w));
+        AppendRecord(Ring(), MakeRecord(Wide(name), Wide(name), "x"_w));
         const auto slot = static_cast<std::size_t>(m_reader.LastWritten());
         EXPECT_EQ(m_reader.Channel(slot), name.substr(0, 127));
         EXPECT_EQ(m_reader.Source(slot), name.substr(0, 127));
@@ -142,7 +137,7 @@ TEST_F(LogRingTest, TextsAreCutToTheirRoomsAndEndInAZero) {
     }
     for (const std::size_t length : {1u, 1022u, 1023u, 1024u, 5000u}) {
         const std::u16string text(length, u'\u4E2D');
-        LOGUTILS::AppendRecord(Ring(), LOGUTILS::MakeRecord("c"_w, {}, Wide(text)));
+        AppendRecord(Ring(), MakeRecord("c"_w, {}, Wide(text)));
         const auto slot = static_cast<std::size_t>(m_reader.LastWritten());
         EXPECT_EQ(m_reader.Line(slot), text.substr(0, 1023));
         EXPECT_EQ(m_reader.Short(RingBytes::TextAt(slot) + 2046), 0);
@@ -151,9 +146,9 @@ TEST_F(LogRingTest, TextsAreCutToTheirRoomsAndEndInAZero) {
 }
 
 TEST_F(LogRingTest, AShorterTextLeavesNothingOfTheOneBeforeItInTheSlot) {
-    LOGUTILS::AppendRecord(Ring(), LOGUTILS::MakeRecord("channel"_w, "source"_w, "a long line"_w));
+    AppendRecord(Ring(), MakeRecord("channel"_w, "source"_w, "a long line"_w));
     Ring().m_nLastWritten = 1023;
-    LOGUTILS::AppendRecord(Ring(), LOGUTILS::MakeRecord("c"_w, {}, "x"_w));
+    AppendRecord(Ring(), MakeRecord("c"_w, {}, "x"_w));
     EXPECT_EQ(m_reader.Line(0), u"x");
     EXPECT_TRUE(m_reader.IsZero(RingBytes::TextAt(0) + 2, 2046));
     EXPECT_TRUE(m_reader.IsZero(RingBytes::ChannelAt(0) + 2, 254));
@@ -209,9 +204,9 @@ TEST_F(LogRingTest, LappedNumbersGiveTheNewerRecordsInTheirSlots) {
 TEST_F(LogRingTest, AReaderIsOwedNoMoreThan64Laps) {
     EXPECT_EQ(CountBetween(-1, 65535), 65536);
     EXPECT_EQ(CountBetween(-1, 65536), 65536);
-    EXPECT_EQ(LOGUTILS::FindNewRecords(Ring()).m_nFirst, 1);
+    EXPECT_EQ(FindNewRecords(Ring()).m_nFirst, 1);
     EXPECT_EQ(CountBetween(10, kHighest), 65536);
-    EXPECT_EQ(LOGUTILS::FindNewRecords(Ring()).m_nFirst, kHighest - 65535);
+    EXPECT_EQ(FindNewRecords(Ring()).m_nFirst, kHighest - 65535);
 }
 
 TEST_F(LogRingTest, NoNumbersInADamagedRingLeadAnywhereElse) {
@@ -221,28 +216,28 @@ TEST_F(LogRingTest, NoNumbersInADamagedRingLeadAnywhereElse) {
         for (const std::int64_t nLastWritten : numbers) {
             const std::int64_t nCount = CountBetween(nLastRead, nLastWritten);
             EXPECT_GE(nCount, 0);
-            EXPECT_LE(nCount, LOGUTILS::kMostNewRecords);
-            const auto found = LOGUTILS::FindNewRecords(Ring());
+            EXPECT_LE(nCount, kMostNewRecords);
+            const auto found = FindNewRecords(Ring());
             if (nCount > 0) {
                 EXPECT_EQ(found.m_nFirst + (nCount - 1), nLastWritten);
                 EXPECT_GT(found.m_nFirst, nLastRead);
             }
             for (std::int64_t i = 0; i < nCount; ++i) {
-                const auto* const pRecord = &LOGUTILS::RecordAt(Ring(), found.m_nFirst + i);
+                const auto* const pRecord = &RecordAt(Ring(), found.m_nFirst + i);
                 ASSERT_GE(pRecord, &Ring().m_records[0]);
                 ASSERT_LE(pRecord, &Ring().m_records[1023]);
             }
-            LOGUTILS::AppendRecord(Ring(), Record(1));
+            AppendRecord(Ring(), Record(1));
         }
     }
 }
 
 TEST_F(LogRingTest, NegativeNumbersHaveSlotsToo) {
-    EXPECT_EQ(&LOGUTILS::RecordAt(Ring(), -1), &Ring().m_records[1023]);
-    EXPECT_EQ(&LOGUTILS::RecordAt(Ring(), -1024), &Ring().m_records[0]);
-    EXPECT_EQ(&LOGUTILS::RecordAt(Ring(), kLowest), &Ring().m_records[0]);
+    EXPECT_EQ(&RecordAt(Ring(), -1), &Ring().m_records[1023]);
+    EXPECT_EQ(&RecordAt(Ring(), -1024), &Ring().m_records[0]);
+    EXPECT_EQ(&RecordAt(Ring(), kLowest), &Ring().m_records[0]);
     Ring().m_nLastWritten = kHighest;
-    LOGUTILS::AppendRecord(Ring(), Record(7));
+    AppendRecord(Ring(), Record(7));
     EXPECT_EQ(m_reader.LastWritten(), kLowest);
     EXPECT_EQ(m_reader.Line(0), u"7");
 }
@@ -256,10 +251,10 @@ TEST_F(LogRingTest, AReaderAheadOfTheWriterTakesNothing) {
 TEST(LogRecord, TextsWithoutAnEndAreEndedByTheirRooms) {
     auto record = std::make_unique<LogRecord>();
     std::memset(record.get(), 'A', sizeof(LogRecord));
-    LOGUTILS::EndTexts(*record);
-    EXPECT_EQ(LOGUTILS::TextIn(record->m_szChannel).size(), 127u);
-    EXPECT_EQ(LOGUTILS::TextIn(record->m_szSource).size(), 127u);
-    EXPECT_EQ(LOGUTILS::TextIn(record->m_szText).size(), 1023u);
+    EndTexts(*record);
+    EXPECT_EQ(TextIn(record->m_szChannel).size(), 127u);
+    EXPECT_EQ(TextIn(record->m_szSource).size(), 127u);
+    EXPECT_EQ(TextIn(record->m_szText).size(), 1023u);
 }
 
 TEST(LogRecord, PrefixIsThatOfAFilesLine) {
@@ -268,20 +263,17 @@ TEST(LogRecord, PrefixIsThatOfAFilesLine) {
     record.m_dwLevel = 1;
     record.m_dwProcessId = 42;
     record.m_dwThreadId = 123456;
-    EXPECT_EQ(LOGUTILS::PrefixOf(record),
-              "[2024/01/31 09:08:07:006   01   00042   123456             ] "_w);
+    EXPECT_EQ(PrefixOf(record), "[2024/01/31 09:08:07:006   01   00042   123456             ] "_w);
     record.m_dwErrorCode = 5;
-    EXPECT_EQ(LOGUTILS::PrefixOf(record),
-              "[2024/01/31 09:08:07:006   01   00042   123456   0X00000005] "_w);
+    EXPECT_EQ(PrefixOf(record), "[2024/01/31 09:08:07:006   01   00042   123456   0X00000005] "_w);
     record.m_dwErrorCode = 0x8007000E;
-    EXPECT_EQ(LOGUTILS::PrefixOf(record),
-              "[2024/01/31 09:08:07:006   01   00042   123456   0X8007000e] "_w);
+    EXPECT_EQ(PrefixOf(record), "[2024/01/31 09:08:07:006   01   00042   123456   0X8007000e] "_w);
 }
 
 TEST(LogRecord, APrefixOfAnyBytesFitsItsRoom) {
     auto record = std::make_unique<LogRecord>();
     std::memset(record.get(), 0xFF, sizeof(LogRecord));
-    const auto prefix = LOGUTILS::PrefixOf(*record);
+    const auto prefix = PrefixOf(*record);
     EXPECT_EQ(prefix.substr(prefix.size() - 14), "  0Xffffffff] "_w);
 }
 

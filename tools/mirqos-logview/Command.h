@@ -24,7 +24,7 @@ struct Command {
     std::uint32_t breakThreadId = 0;
 };
 
-/// `arguments` is the command line in UTF-8, without the program's name. Throws Failure (Usage).
-Command ReadCommand(const std::vector<std::string>& arguments);
+/// `given` is the command line in UTF-8, without the program's name. Throws Failure (Usage).
+Command ReadCommand(const std::vector<std::string>& given);
 
 }  // namespace Mirqos::LogView

@@ -12,7 +12,8 @@ template <typename Result, typename Object, typename... Arguments>
 Result CallSlot(Object& object, std::size_t nSlot, Arguments... arguments) {
     using Operation = Result (*)(Object*, Arguments...);
     void* const* pTable = nullptr;
-    std::memcpy(&pTable, &object, sizeof(pTable));
+    // as bytes: the object begins with a pointer to the table
+    std::memcpy(&pTable, static_cast<const void*>(&object), sizeof(pTable));
     return reinterpret_cast<Operation>(pTable[nSlot - 2 + MIRQOS_DESTRUCTOR_ENTRIES])(&object,
                                                                                       arguments...);
 }

@@ -25,7 +25,6 @@ using Mirqos::Test::CallSpy;
 using Mirqos::Test::Gate;
 using Mirqos::Test::HeldWriter;
 using Mirqos::Test::ListenedChannel;
-using Mirqos::Test::RingBytes;
 using NSDBG::CSMOutput;
 
 constexpr wchar_t kExecutable[] = L"Breakpoint.Hold.exe";
