@@ -13,6 +13,8 @@ add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl mirqo
 set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
              RESOURCE_LOCK log_viewer)
 
+target_link_libraries(unit.sm_output PRIVATE mirqos_failing_allocation)
+
 # Operations are called by their place in the table of virtual functions. GCC's C++ ABI puts two
 # destructors before the first, MSVC's puts one.
 set(destructor_entries 2)
