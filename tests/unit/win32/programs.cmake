@@ -14,6 +14,7 @@ set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEN
              RESOURCE_LOCK log_viewer)
 
 target_link_libraries(unit.sm_output PRIVATE mirqos_failing_allocation)
+target_link_libraries(unit.file_output_memory PRIVATE mirqos_failing_allocation)
 
 # Operations are called by their place in the table of virtual functions. GCC's C++ ABI puts two
 # destructors before the first, MSVC's puts one.
