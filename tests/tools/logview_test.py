@@ -144,6 +144,21 @@ class LogView(unittest.TestCase):
         first.log()
         first.done()  # and nobody listens
 
+    def test_every_line_of_several_processes_arrives_once_and_in_order(self):
+        hosts = [self.host() for _ in range(3)]
+        viewer = self.view("--text", "thread count")
+        for host in hosts:
+            host.say("\n".join(["log"] * 100))
+        for host in hosts:
+            for _ in range(100):
+                host.done()
+        seen = self.quit(viewer)
+        self.assertEqual(len(seen), 300)
+        for host in hosts:
+            own = [text for text in seen if "   %05d   " % int(host.pid) in text]
+            self.assertEqual([text.split("] ")[1] for text in own],
+                             [line(number) + TAG for number in range(1, 101)])
+
     def test_filters_by_process_and_text(self):
         first, second = self.host(), self.host()
         viewer = self.view("--process", second.pid, "--text", "count -2")

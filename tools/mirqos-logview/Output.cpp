@@ -13,25 +13,36 @@ Output::Output(const std::string& file, bool coloured) : m_coloured(coloured) {
 
 void Output::Show(const NSDBG::CLogMessage& message) {
     const std::string line = LineOf(message);
-    Tool::WriteOutput((m_coloured ? Coloured(line, message) : line) + "\n");
-    ToFile(line);
+    Add(m_coloured ? Coloured(line, message) : line, line);
 }
 
 void Output::Note(const std::string& text) {
     const std::string line = "*** " + text;
-    Tool::WriteOutput(line + "\n");
-    ToFile(line);
+    Add(line, line);
 }
 
 void Output::Answer(const std::string& text) {
+    Flush();
     Tool::WriteOutput(text);
 }
 
-void Output::ToFile(const std::string& line) {
+void Output::Flush() {
+    if (!m_shown.empty()) {
+        Tool::WriteOutput(m_shown);
+        m_shown.clear();
+    }
+    if (!m_filed.empty()) {
+        m_file->WriteAt(m_end, reinterpret_cast<const unsigned char*>(m_filed.data()),
+                        m_filed.size());
+        m_end += m_filed.size();
+        m_filed.clear();
+    }
+}
+
+void Output::Add(const std::string& shown, const std::string& filed) {
+    m_shown += shown + "\n";
     if (m_file) {
-        const std::string bytes = line + "\n";
-        m_file->WriteAt(m_end, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-        m_end += bytes.size();
+        m_filed += filed + "\n";
     }
 }
 

@@ -9,7 +9,8 @@
 
 namespace Mirqos::LogView {
 
-/// Where lines go: the terminal or whatever stands in its place, and a file if one is wanted.
+/// Where lines go: the terminal or whatever stands in its place, and a file if one is wanted. Lines
+/// are gathered until Flush, because writing each by itself would take longer than logging it.
 class Output {
 public:
     /// `file` is the name of a file that does not exist yet, or empty. Throws Tool::Failure.
@@ -18,13 +19,17 @@ public:
     void Show(const NSDBG::CLogMessage& message);
     /// A line of the program's own about what it watches; goes to the file too.
     void Note(const std::string& text);
-    /// An answer to what was typed; not for the file.
-    static void Answer(const std::string& text);
+    /// An answer to what was typed, at once; not for the file.
+    void Answer(const std::string& text);
+    /// Throws Tool::Failure when the file cannot be written.
+    void Flush();
 
 private:
-    void ToFile(const std::string& line);
+    void Add(const std::string& shown, const std::string& filed);
 
     bool m_coloured;
+    std::string m_shown;
+    std::string m_filed;
     std::optional<Tool::LocalFile> m_file;
     std::uint64_t m_end = 0;
 };

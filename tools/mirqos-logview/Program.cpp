@@ -34,7 +34,7 @@ void Watch(const Command& command) {
     for (const LOGUTILS::WideString& executable : command.executables) {
         names += (names.empty() ? "" : ", ") + Tool::Printable(Tool::ToUtf8(executable));
     }
-    Output::Answer("watching " + names + "; quit or Ctrl-C ends\n");
+    output.Answer("watching " + names + "; quit or Ctrl-C ends\n");
     session.Run(stop.Get());
 }
 

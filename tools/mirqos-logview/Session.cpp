@@ -47,8 +47,10 @@ void Session::Run(HANDLE stop) {
         while (const auto line = m_ended ? std::nullopt : m_input.Next()) {
             Do(ReadInputCommand(*line));
         }
+        m_output.Flush();
     }
     ReadChannels();  // what was written before the end was asked for
+    m_output.Flush();
 }
 
 void Session::ReadChannels() {
@@ -81,35 +83,35 @@ void Session::Do(const InputCommand& command) {
             Break(command.text, command.processId, command.threadId);
             break;
         case InputCommand::Action::List:
-            Output::Answer(m_held.Breakpoints());
+            m_output.Answer(m_held.Breakpoints());
             break;
         case InputCommand::Action::Remove:
-            Output::Answer(m_held.Remove(command.number) ? "removed\n"
-                                                         : "there is no such breakpoint\n");
+            m_output.Answer(m_held.Remove(command.number) ? "removed\n"
+                                                          : "there is no such breakpoint\n");
             break;
         case InputCommand::Action::Held:
             LookWhoIsHeld();
-            Output::Answer(m_held.Held());
+            m_output.Answer(m_held.Held());
             break;
         case InputCommand::Action::Release:
             if (!m_held.Release(command.number)) {
-                Output::Answer("no such thread is held\n");
+                m_output.Answer("no such thread is held\n");
             }
             break;
         case InputCommand::Action::ReleaseAll:
             LookWhoIsHeld();
             if (m_held.ReleaseAll() == 0) {
-                Output::Answer(m_held.Held());
+                m_output.Answer(m_held.Held());
             }
             break;
         case InputCommand::Action::Help:
-            Output::Answer(kInputHelp);
+            m_output.Answer(kInputHelp);
             break;
         case InputCommand::Action::Quit:
             m_ended = true;
             break;
         case InputCommand::Action::Wrong:
-            Output::Answer(command.text + "\n");
+            m_output.Answer(command.text + "\n");
             break;
     }
 }
@@ -118,9 +120,9 @@ void Session::Break(const std::string& text, std::uint32_t processId, std::uint3
     for (const LOGUTILS::WideString& executable : m_command.executables) {
         const std::size_t number =
             m_held.Add({executable, Tool::ToWide(text), processId, threadId});
-        Output::Answer(number == 0 ? "there is no room for another breakpoint\n"
-                                   : "breakpoint " + std::to_string(number) + " set in " +
-                                         Tool::Printable(Tool::ToUtf8(executable)) + "\n");
+        m_output.Answer(number == 0 ? "there is no room for another breakpoint\n"
+                                    : "breakpoint " + std::to_string(number) + " set in " +
+                                          Tool::Printable(Tool::ToUtf8(executable)) + "\n");
     }
 }
 
