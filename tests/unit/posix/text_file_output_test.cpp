@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "log/CMIRQOSLog.h"
-#include "log/dbg/LinePrefix.h"
 #include "log/ModuleLog.h"
+#include "log/dbg/LinePrefix.h"
 #include "tests/support/RecordingOutput.h"
 
 namespace {
