@@ -34,7 +34,8 @@ if(WIN32)
   target_compile_definitions(mirqos_flags INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
                                                     _WIN32_WINNT=0x0A00)
   if(MINGW)
-    target_link_options(mirqos_flags INTERFACE -static)
+    # the same sources give the same bytes, whenever they are linked
+    target_link_options(mirqos_flags INTERFACE -static -Wl,--no-insert-timestamp)
   endif()
 endif()
 if(MIRQOS_SANITIZE)
