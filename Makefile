@@ -1,6 +1,6 @@
 # The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
 .DEFAULT_GOAL := help
-.PHONY: help deps test demo fuzz bench format lint clean
+.PHONY: help deps test demo dist fuzz bench format lint clean
 .NOTPARALLEL:
 
 help: ## this list
@@ -14,6 +14,9 @@ test: deps ## everything: check the sources, build and test all four presets (PR
 
 demo: deps ## build the product and let it back up a folder to an S3 server and restore it
 	@scripts/demo
+
+dist: deps ## build the product and pack it: build/dist/mirqos-VERSION-windows-x64.zip
+	@scripts/dist
 
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
