@@ -1,0 +1,61 @@
+#include "bench/Comparison.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <vector>
+
+#include "platform/undo_windows_macros.h"
+
+namespace Mirqos::Bench {
+namespace {
+
+constexpr int kRounds = 31;
+
+struct Pair {
+    double m_floor;
+    double m_log;
+};
+
+template <typename Value>
+double MedianOf(const std::vector<Pair>& pairs, Value value) {
+    std::vector<double> values;
+    std::transform(pairs.begin(), pairs.end(), std::back_inserter(values), value);
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+}  // namespace
+
+double Now() {
+    LARGE_INTEGER frequency = {};
+    LARGE_INTEGER now = {};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    return static_cast<double>(now.QuadPart) * 1e6 / static_cast<double>(frequency.QuadPart);
+}
+
+void PrintHeading(const char* pszTitle) {
+    std::printf("%s, medians of %d runs by turns\n", pszTitle, kRounds);
+    std::printf("%-28s %11s %11s %7s\n", "", "floor", "log", "ratio");
+}
+
+void PrintRow(const char* pszName, const std::function<double(bool bFloor)>& measure) {
+    std::vector<Pair> pairs(kRounds);
+    bool bFloorFirst = false;
+    for (Pair& pair : pairs) {
+        bFloorFirst = !bFloorFirst;
+        for (const bool bFloor : {bFloorFirst, !bFloorFirst}) {
+            (bFloor ? pair.m_floor : pair.m_log) = measure(bFloor);
+        }
+    }
+    std::printf("%-28s %8.1f us %8.1f us %7.2f\n", pszName,
+                MedianOf(pairs, [](const Pair& pair) { return pair.m_floor; }),
+                MedianOf(pairs, [](const Pair& pair) { return pair.m_log; }),
+                MedianOf(pairs, [](const Pair& pair) { return pair.m_log / pair.m_floor; }));
+    std::fflush(stdout);
+}
+
+}  // namespace Mirqos::Bench
