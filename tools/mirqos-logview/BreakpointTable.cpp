@@ -1,7 +1,5 @@
 #include "tools/mirqos-logview/BreakpointTable.h"
 
-#include <rpc.h>
-
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -90,18 +88,6 @@ void BreakpointTable::FreeAll() const {
         }
         hits.erase(std::remove_if(hits.begin(), hits.end(), &IsSettled), hits.end());
     }
-}
-
-LogGuid NewId() {
-    UUID uuid = {};
-    const RPC_STATUS status = UuidCreate(&uuid);
-    if (status != RPC_S_OK && status != RPC_S_UUID_LOCAL_ONLY) {
-        throw Failure(ExitCode::SystemRefused,
-                      "cannot create an id: error " + std::to_string(status));
-    }
-    LogGuid id;
-    std::memcpy(&id, &uuid, sizeof(id));
-    return id;
 }
 
 }  // namespace Mirqos::LogView

@@ -39,7 +39,4 @@ private:
     LOGUTILS::View m_view;
 };
 
-/// A new id. Throws Failure (SystemRefused).
-LOGUTILS::LogGuid NewId();
-
 }  // namespace Mirqos::LogView

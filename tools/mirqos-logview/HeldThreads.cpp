@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
+#include "log/dbg/win32/NewGuid.h"
+#include "tools/mirqos-logview/Failure.h"
 #include "tools/mirqos-logview/OtherThread.h"
 #include "tools/mirqos-logview/RecordLine.h"
 #include "tools/mirqos/Text.h"
@@ -40,9 +43,12 @@ HeldThreads::HeldThreads(std::function<void(const std::string&)> note)
 }
 
 std::size_t HeldThreads::Add(const BreakpointWish& wish) {
-    const LOGUTILS::LogGuid id = NewId();
+    const std::optional<LOGUTILS::LogGuid> id = LOGUTILS::NewGuid();
+    if (!id) {
+        throw Failure(ExitCode::SystemRefused, "the system gives no id for a breakpoint");
+    }
     std::size_t number = 0;
-    m_table.Hold([&](auto& table) { number = AddBreakpoint(table, wish, id); });
+    m_table.Hold([&](auto& table) { number = AddBreakpoint(table, wish, *id); });
     TakeCopy();
     return number;
 }

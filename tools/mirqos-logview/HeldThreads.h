@@ -25,7 +25,7 @@ public:
 
     HANDLE HitEvent() const { return m_table.HitEvent(); }
 
-    /// Returns its number; 0 when the table is full.
+    /// Returns its number; 0 when the table is full. Throws Failure (SystemRefused).
     std::size_t Add(const BreakpointWish& wish);
     bool Remove(std::size_t number);
     /// Lists, one line for each, for the user.

@@ -1,9 +1,9 @@
 #include "log/dbg/win32/ViewerBreakpoints.h"
 
-#include <cstring>
 #include <utility>
 
 #include "log/dbg/win32/NamedEvent.h"
+#include "log/dbg/win32/NewGuid.h"
 #include "log/dbg/win32/SharedMemory.h"
 #include "log/dbg/win32/ViewerNames.h"
 #include "log/dbg/win32/ViewerPresence.h"
@@ -14,18 +14,6 @@ namespace {
 
 constexpr DWORD kTableLimit = 10000;         // ms
 constexpr DWORD kViewerLookInterval = 5000;  // ms
-
-std::optional<LogGuid> NewGuid() {
-    UUID uuid = {};
-    const RPC_STATUS status = Windows().uuidCreate(&uuid);
-    if (status != RPC_S_OK && status != RPC_S_UUID_LOCAL_ONLY) {
-        return std::nullopt;
-    }
-    LogGuid guid;
-    static_assert(sizeof(guid) == sizeof(uuid));
-    std::memcpy(&guid, &uuid, sizeof(guid));
-    return guid;
-}
 
 }  // namespace
 

@@ -13,6 +13,7 @@
 #include "tests/support/Gate.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/HeldWriter.h"
+#include "tests/support/win32/IsOpenToEveryone.h"
 #include "tests/support/win32/ViewerSide.h"
 
 namespace {
@@ -77,13 +78,7 @@ TEST_F(BreakpointHold, ReleaseEventIsNamedAfterTheHitAndOpenToEveryone) {
     std::wstring name;
     const CallSpy<&WindowsCalls::createEvent> createEvent(
         [&](SECURITY_ATTRIBUTES* pSecurity, BOOL bManual, BOOL bSignalled, LPCWSTR pszName) {
-            BOOL bPresent = FALSE;
-            BOOL bDefaulted = FALSE;
-            ACL* pAcl = reinterpret_cast<ACL*>(1);
-            EXPECT_TRUE(GetSecurityDescriptorDacl(pSecurity->lpSecurityDescriptor, &bPresent, &pAcl,
-                                                  &bDefaulted));
-            EXPECT_TRUE(bPresent);
-            EXPECT_EQ(pAcl, nullptr);
+            EXPECT_TRUE(Mirqos::Test::IsOpenToEveryone(pSecurity));
             EXPECT_FALSE(bManual);
             EXPECT_FALSE(bSignalled);
             name = pszName;

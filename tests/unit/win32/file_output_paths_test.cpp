@@ -8,6 +8,7 @@
 #include "log/dbg/win32/ModuleFiles.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/FileOutputTest.h"
+#include "tests/support/win32/IsOpenToEveryone.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -27,13 +28,7 @@ protected:
             [&](SECURITY_ATTRIBUTES* pSecurity, BOOL bOwned, const wchar_t* pszName) {
                 names.emplace_back(pszName);
                 EXPECT_FALSE(bOwned);
-                PSECURITY_DESCRIPTOR pDescriptor = pSecurity->lpSecurityDescriptor;
-                BOOL bPresent = FALSE;
-                BOOL bDefaulted = FALSE;
-                ACL* pAcl = nullptr;
-                EXPECT_TRUE(GetSecurityDescriptorDacl(pDescriptor, &bPresent, &pAcl, &bDefaulted));
-                EXPECT_TRUE(bPresent);
-                EXPECT_EQ(pAcl, nullptr) << "open to everyone";
+                EXPECT_TRUE(IsOpenToEveryone(pSecurity));
                 return createMutex.Real(pSecurity, bOwned, pszName);
             });
         work();
@@ -80,13 +75,7 @@ TEST_F(FilePaths, TheFileIsOpenedOpenToEveryoneAndStaysOpen) {
                 EXPECT_EQ(dwAccess, GENERIC_READ | GENERIC_WRITE);
                 EXPECT_EQ(dwShare, static_cast<DWORD>(FILE_SHARE_READ | FILE_SHARE_WRITE));
                 EXPECT_EQ(dwFlags, static_cast<DWORD>(FILE_FLAG_SEQUENTIAL_SCAN));
-                BOOL bPresent = FALSE;
-                BOOL bDefaulted = FALSE;
-                ACL* pAcl = nullptr;
-                EXPECT_TRUE(GetSecurityDescriptorDacl(pSecurity->lpSecurityDescriptor, &bPresent,
-                                                      &pAcl, &bDefaulted));
-                EXPECT_TRUE(bPresent);
-                EXPECT_EQ(pAcl, nullptr);
+                EXPECT_TRUE(IsOpenToEveryone(pSecurity));
             }
             return createFile.Real(pszPath, dwAccess, dwShare, pSecurity, dwDisposition, dwFlags,
                                    hTemplate);

@@ -226,6 +226,12 @@ TEST_F(LogViewHolding, AThreadThatHasEndedIsForgotten) {
     EXPECT_EQ(m_held.Held(), "no thread is held\n");
 }
 
+TEST_F(LogViewHolding, ABreakpointThatGetsNoIdEndsTheProgram) {
+    const CallSpy<&WindowsCalls::uuidCreate> none(
+        [](UUID*) { return RPC_STATUS{RPC_S_UUID_NO_ADDRESS}; });
+    ExpectFailure(ExitCode::SystemRefused, [this] { m_held.Add({kExecutable, L"x", 0, 0}); });
+}
+
 TEST_F(LogViewHolding, ItsTableIsTheDocumentedOne) {
     EXPECT_TRUE(Mirqos::Test::EventExists(Mirqos::Test::kHitEvent));
     EXPECT_TRUE(Mirqos::Test::MutexExists(Mirqos::Test::kTableMutex));
