@@ -24,7 +24,10 @@ CSMOutput::CSMOutput(LOGUTILS::WideString channelName, LOGUTILS::WideString sour
 }
 
 CSMOutput::~CSMOutput() {
-    CSMOutput::Close();
+    // Not waited for: whoever is still inside was ended there, because the process ends.
+    const std::unique_lock<LOGUTILS::CriticalSection> lock(m_cs, std::try_to_lock);
+    m_pShareMemory.reset();
+    m_pBreakpoints.reset();
 }
 
 void CSMOutput::Write(int nLevel, int nErrorCode, const char* pszMessage) try {

@@ -6,7 +6,7 @@
 
 namespace LOGUTILS {
 
-/// A critical section; std::lock_guard enters and leaves it. The thread inside may enter again.
+/// A critical section; the standard locks enter and leave it. The thread inside may enter again.
 class CriticalSection {
 public:
     CriticalSection() { InitializeCriticalSection(&m_section); }
@@ -15,6 +15,7 @@ public:
     CriticalSection& operator=(const CriticalSection&) = delete;
 
     void lock() { EnterCriticalSection(&m_section); }
+    bool try_lock() { return TryEnterCriticalSection(&m_section) != FALSE; }
     void unlock() { LeaveCriticalSection(&m_section); }
 
 private:

@@ -13,8 +13,9 @@ add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl mirqo
 set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
              RESOURCE_LOCK log_viewer)
 
-target_link_libraries(unit.sm_output PRIVATE mirqos_failing_allocation)
-target_link_libraries(unit.file_output_memory PRIVATE mirqos_failing_allocation)
+foreach(name file_output_memory log_config share_memory sm_output)
+  target_link_libraries(unit.${name} PRIVATE mirqos_failing_allocation)
+endforeach()
 
 # Operations are called by their place in the table of virtual functions. GCC's C++ ABI puts two
 # destructors before the first, MSVC's puts one.
@@ -25,6 +26,12 @@ endif()
 foreach(name log_message share_memory sm_output)
   target_compile_definitions(unit.${name} PRIVATE MIRQOS_DESTRUCTOR_ENTRIES=${destructor_entries})
 endforeach()
+# MSVC's also turns the order of overloads round, here of the two writes, in slots 2 and 3.
+set(narrow_write_slot 2)
+if(MSVC)
+  set(narrow_write_slot 3)
+endif()
+target_compile_definitions(unit.sm_output PRIVATE MIRQOS_NARROW_WRITE_SLOT=${narrow_write_slot})
 
 foreach(name block command edit report)
   target_link_libraries(unit.logctl_${name} PRIVATE mirqos_log_control)

@@ -12,6 +12,7 @@
 #include "log/dbg/win32/ModuleFiles.h"
 #include "log/dbg/win32/WindowsCalls.h"
 #include "tests/support/FailingAllocation.h"
+#include "tests/support/Gate.h"
 #include "tests/support/RecordingOutput.h"
 #include "tests/support/win32/CallSlot.h"
 #include "tests/support/win32/CallSpy.h"
@@ -215,6 +216,31 @@ TEST_F(SMOutputTest, EndOfTheOutputClosesTheChannel) {
     EXPECT_FALSE(m_channel.HasRing());
 }
 
+DWORD WINAPI WriteALine(void* pOutput) {
+    static_cast<CSMOutput*>(pOutput)->Write(1, 0, L"line");
+    return 0;
+}
+
+TEST_F(SMOutputTest, EndOfTheOutputDoesNotWaitForAThreadThatWasEndedInIt) {
+    auto output = std::make_unique<CSMOutput>();
+    output->Write(1, 0, L"line");
+    const Mirqos::Test::Gate inside;
+    {
+        const CallSpy<&WindowsCalls::openEvent> look([&](DWORD, BOOL, LPCWSTR) -> HANDLE {
+            inside.Pass();
+            return nullptr;
+        });
+        const LOGUTILS::KernelObject thread(
+            CreateThread(nullptr, 0, &WriteALine, output.get(), 0, nullptr));
+        ASSERT_TRUE(inside.WaitUntilReached());
+        // as all other threads are when a process ends
+        ASSERT_TRUE(TerminateThread(thread.Get(), 0));
+        ASSERT_EQ(WaitForSingleObject(thread.Get(), INFINITE), DWORD{WAIT_OBJECT_0});
+    }
+    output.reset();
+    EXPECT_FALSE(m_channel.HasRing());
+}
+
 TEST_F(SMOutputTest, AChannelThatCannotBeMadeIsTriedAgainByTheNextLine) {
     {
         const CallSpy<&WindowsCalls::createMutex> refused(
@@ -369,8 +395,8 @@ TEST_F(SMOutputTest, BreakpointsAreClosedWhenTheViewerGoes) {
 }
 
 TEST_F(SMOutputTest, OperationsStandInTheirOrder) {
-    CallSlot<void>(m_output, 2, 1, 0, "narrow");
-    CallSlot<void>(m_output, 3, 1, 0, L"wide");
+    CallSlot<void>(m_output, MIRQOS_NARROW_WRITE_SLOT, 1, 0, "narrow");
+    CallSlot<void>(m_output, 5 - MIRQOS_NARROW_WRITE_SLOT, 1, 0, L"wide");
     EXPECT_EQ(Ring().Line(0), u"narrow");
     EXPECT_EQ(Ring().Line(1), u"wide");
     EXPECT_EQ(CallSlot<int>(m_output, 4), 9999);
