@@ -1,6 +1,7 @@
 #include "log/dbg/win32/CLogConfig.h"
 
 #include <mutex>
+#include <new>
 #include <optional>
 
 #include "log/dbg/LogFilePath.h"
@@ -43,7 +44,7 @@ LogConfigBlock* CLogConfig::Block() const {
     return static_cast<LogConfigBlock*>(m_view.Get());
 }
 
-bool CLogConfig::MakeOpen() {
+bool CLogConfig::MakeOpen() try {
     const std::lock_guard<CriticalSection> lock(m_cs);
     if (m_view) {
         return true;
@@ -69,6 +70,8 @@ bool CLogConfig::MakeOpen() {
     }
     m_mapping = std::move(memory.m_mapping);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;  // the next operation tries again
 }
 
 template <typename Work>

@@ -106,6 +106,8 @@ int CLogShareMemory::Read(LogMessages& messages) {
     messages.clear();
     LOGUTILS::LogRing& ring = RingIn(view);
     const LOGUTILS::NewRecords found = LOGUTILS::FindNewRecords(ring);
+    // first, so that no message is made for which there is no place
+    messages.reserve(static_cast<std::size_t>(found.m_nCount));
     for (std::int64_t i = 0; i < found.m_nCount; ++i) {
         messages.emplace_back(new CLogMessage(LOGUTILS::RecordAt(ring, found.m_nFirst + i)));
     }

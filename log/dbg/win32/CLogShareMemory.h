@@ -38,7 +38,8 @@ public:
     ///
     /// A reader that fell behind gets as many messages as were written, up to
     /// LOGUTILS::kMostNewRecords, of which only the last 1,024 are what they were: those before
-    /// are lost and stand for newer ones.
+    /// are lost and stand for newer ones. Without memory for them it throws std::bad_alloc, and the
+    /// records stay new.
     virtual int Read(LogMessages& messages);
 
     /// Adds the record, unless its text is empty or the channel is closed, and tells the viewer.

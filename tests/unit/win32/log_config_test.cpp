@@ -12,8 +12,10 @@
 #include "log/dbg/win32/CLogConfig.h"
 #include "log/dbg/win32/ModuleFiles.h"
 #include "log/dbg/win32/ProductInstall.h"
+#include "tests/support/FailingAllocation.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/InventedProcess.h"
+#include "tests/support/win32/IsOpenToEveryone.h"
 #include "tests/support/win32/LogConfigTestAccess.h"
 #include "tests/support/win32/PrivateRegistry.h"
 #include "tests/support/win32/RawBlock.h"
@@ -24,6 +26,7 @@ namespace {
 using LOGUTILS::WindowsCalls;
 using Mirqos::Test::CallSpy;
 using Mirqos::Test::InventedProcess;
+using Mirqos::Test::IsOpenToEveryone;
 using Mirqos::Test::LogBlockBytes;
 using Mirqos::Test::PrivateRegistry;
 using Mirqos::Test::RawBlock;
@@ -80,16 +83,6 @@ TEST_F(LogConfig, MakesABlockOfZeroButForMagicsLevelAndFlags) {
     const RawBlock block = Block();
     ASSERT_TRUE(block);
     EXPECT_TRUE(block.Copy() == expected);
-}
-
-bool IsOpenToEveryone(const SECURITY_ATTRIBUTES* attributes) {
-    BOOL present = FALSE;
-    BOOL defaulted = FALSE;
-    PACL list = nullptr;
-    return attributes != nullptr &&
-           GetSecurityDescriptorDacl(attributes->lpSecurityDescriptor, &present, &list,
-                                     &defaulted) != 0 &&
-           present != FALSE && list == nullptr;
 }
 
 TEST_F(LogConfig, MakesTheMutexUnownedAndOpenToEveryone) {
@@ -351,6 +344,16 @@ TEST_F(LogConfigOpening, GivesUpWithoutAMutex) {
         const CallSpy<&WindowsCalls::createFileMapping> mappings;
         UseEverything();
         EXPECT_EQ(mappings.Calls(), 0);
+    }
+    ExpectToOpenNow();
+}
+
+TEST_F(LogConfigOpening, GivesUpWithoutMemory) {
+    for (const std::size_t name :
+         {sizeof(LOGUTILS::kBlockMutexName), sizeof(LOGUTILS::kBlockName)}) {
+        const Mirqos::Test::FailingAllocation failing(name * sizeof(wchar_t));
+        EXPECT_NO_THROW(EXPECT_EQ(Config().GetLevel(L"a.dll"), -1));
+        EXPECT_FALSE(Block());
     }
     ExpectToOpenNow();
 }

@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
 #include "log/dbg/win32/WindowsCalls.h"
+#include "tests/support/FailingAllocation.h"
 #include "tests/support/win32/CallSlot.h"
 #include "tests/support/win32/CallSpy.h"
+#include "tests/support/win32/IsOpenToEveryone.h"
 #include "tests/support/win32/ViewerSide.h"
 
 namespace {
@@ -15,6 +18,7 @@ namespace {
 using LOGUTILS::WindowsCalls;
 using Mirqos::Test::CallSlot;
 using Mirqos::Test::CallSpy;
+using Mirqos::Test::IsOpenToEveryone;
 using Mirqos::Test::ListenedChannel;
 using Mirqos::Test::RingBytes;
 using NSDBG::CLogShareMemory;
@@ -43,17 +47,6 @@ std::vector<std::wstring> TextsOf(const LogMessages& messages) {
         texts.emplace_back(message->GetText());
     }
     return texts;
-}
-
-/// Whether these security attributes let everyone in.
-bool IsOpenToEveryone(SECURITY_ATTRIBUTES* pAttributes) {
-    BOOL bPresent = FALSE;
-    BOOL bDefaulted = TRUE;
-    ACL* pAcl = reinterpret_cast<ACL*>(1);
-    return pAttributes != nullptr && pAttributes->lpSecurityDescriptor != nullptr &&
-           GetSecurityDescriptorDacl(pAttributes->lpSecurityDescriptor, &bPresent, &pAcl,
-                                     &bDefaulted) &&
-           bPresent && pAcl == nullptr;
 }
 
 class ShareMemoryTest : public testing::Test {
@@ -455,6 +448,33 @@ TEST_F(ShareMemoryTest, ReaderTakesEachRecordOnce) {
     EXPECT_EQ(Ring().LastRead(), 1);
     EXPECT_EQ(reader.Read(messages), 1);
     EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(ShareMemoryTest, ReaderWithoutMemoryFindsTheRecordsNewTheNextTime) {
+    Make();
+    const std::vector<std::wstring> texts = {L"one", L"two", L"three", L"four", L"five"};
+    for (const std::wstring& text : texts) {
+        Write(text.c_str());
+    }
+    CLogShareMemory reader(kExecutable);
+    reader.Open();
+    for (const std::size_t nSize : {texts.size() * sizeof(NSDBG::LogMessageReference),
+                                    sizeof(NSDBG::CLogMessage), sizeof(LOGUTILS::LogRecord)}) {
+        LogMessages messages;
+        bool bThrown = false;
+        try {
+            const Mirqos::Test::FailingAllocation failing(nSize);
+            reader.Read(messages);
+        } catch (const std::bad_alloc&) {
+            bThrown = true;
+        }
+        EXPECT_TRUE(bThrown) << nSize;
+        EXPECT_TRUE(Mirqos::Test::IsFree(m_channel.Names().mutex));
+    }
+    EXPECT_EQ(Ring().LastRead(), -1);
+    LogMessages messages;
+    ASSERT_EQ(reader.Read(messages), 1);
+    EXPECT_EQ(TextsOf(messages), texts);
 }
 
 TEST_F(ShareMemoryTest, ReaderTakesWhatAnotherProgramWrote) {
