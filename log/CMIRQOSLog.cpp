@@ -9,6 +9,7 @@ CMIRQOSLog::CMIRQOSLog(Aws::Utils::Logging::LogLevel level)
       m_pSMOutput(Mirqos::CreateChannelLogOutput()) {
 }
 
+// The pointers stay null: what is destroyed after g_ModuleLog may still log, and is not heard.
 CMIRQOSLog::~CMIRQOSLog() {
     m_pFileOutput.reset();
     m_pSMOutput.reset();

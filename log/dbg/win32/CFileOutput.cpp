@@ -151,6 +151,8 @@ bool CFileOutput::OpenFile() {
         }
     }
     if (!m_hFile) {
+        // A successor lies where its predecessor was written; any other file may be the folder's
+        // first.
         if (!bWasOpen || bChanged) {
             LOGUTILS::PrepareLogFolder(WideString(LOGUTILS::FolderOf(m_szFilePath)),
                                        CLogConfig::Instance().LogRoot());

@@ -34,9 +34,10 @@ public:
 private:
     friend struct FileOutputTestAccess;
 
-    // What follows is called with m_cs entered; from BeginFile on with the file's mutex owned, too.
     template <typename Char>
     void WriteMessage(int nLevel, int nErrorCode, const Char* pszMessage);
+
+    // What follows is called with m_cs entered; from BeginFile on with the file's mutex owned, too.
     template <typename Char>
     void WriteLine(int nLevel, int nErrorCode, const Char* pszMessage);
     LOGUTILS::WideString WantedPath() const;
