@@ -105,14 +105,17 @@ TEST_F(PutObjectAnswers, AnEarlyRefusalOfALargeBodyIsReportedAsWhatItIs) {
 }
 
 TEST_F(PutObjectAnswers, ASuccessWithAPageForPeopleIsAFailure) {
-    m_server.Next(Answer::Status(200)
-                      .Header("Content-Type", "text/html")
-                      .Body("<!DOCTYPE html><html><body>Log in first<br></body></html>"));
-    m_server.Next(Answer::Status(200));
-    const auto store = MakeStore();
-    ExpectWriteFailed(Write(*store, "k", "v"), Aws::S3::S3Errors::UNKNOWN, "k",
-                      testing::Not(testing::IsEmpty()));
-    EXPECT_EQ(Write(*store, "k", "v"), 0);
+    for (const char* const page :
+         {"<!DOCTYPE html><html><body>Log in first<br></body></html>",
+          "<html><body>Log in first</body></html>", "<HTML><BODY>Log in first</BODY></HTML>"}) {
+        m_log.Clear();
+        m_server.Next(Answer::Status(200).Header("Content-Type", "text/html").Body(page));
+        m_server.Next(Answer::Status(200));
+        const auto store = MakeStore();
+        ExpectWriteFailed(Write(*store, "k", "v"), Aws::S3::S3Errors::UNKNOWN, "k",
+                          testing::Not(testing::IsEmpty()));
+        EXPECT_EQ(Write(*store, "k", "v"), 0);
+    }
 }
 
 TEST_F(PutObjectAnswers, AnErrorDocumentUnderStatus200IsAFailure) {
