@@ -189,5 +189,38 @@ TEST_F(Retry, AClockThatIsWrongIsCorrectedByTheServicesDate) {
     EXPECT_EQ(SignatureProblem(requests[1], kKeyId, kSecret, kRegion), "");
 }
 
+TEST_F(Retry, AClockThatIsWrongHidesNoBucketFromAHead) {
+    TheSeam().now = [] { return std::chrono::system_clock::from_time_t(1700000000); };
+    m_server.Next(Answer::Status(403).Header("Date", "Wed, 15 Nov 2023 01:13:20 GMT"));
+    m_server.Next(Answer::Status(200));
+    const auto store = MakeStore();
+    EXPECT_TRUE(Head(*store));
+    const auto requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].Value("x-amz-date"), "20231114T221320Z");
+    EXPECT_EQ(requests[1].Value("x-amz-date"), "20231115T011320Z");
+}
+
+TEST_F(Retry, AHeadRefusedWithTheRightTimeIsRefused) {
+    TheSeam().now = [] { return std::chrono::system_clock::from_time_t(1700000000); };
+    for (const char* const date :
+         {"Tue, 14 Nov 2023 22:28:20 GMT", "Tue, 14 Nov 2023 21:58:20 GMT", "no date"}) {
+        m_server.Next(Answer::Status(403).Header("Date", date));
+        const auto store = MakeStore();
+        EXPECT_FALSE(Head(*store));
+    }
+    EXPECT_EQ(m_server.Requests().size(), 3u);
+    EXPECT_TRUE(Waits().empty());
+}
+
+TEST_F(Retry, AHeadRefusedAlsoWithTheServicesTimeIsTriedNoMore) {
+    TheSeam().now = [] { return std::chrono::system_clock::from_time_t(1700000000); };
+    m_server.On("HEAD", "/")
+        .Always(Answer::Status(403).Header("Date", "Wed, 15 Nov 2023 01:13:20 GMT"));
+    const auto store = MakeStore();
+    EXPECT_FALSE(Head(*store));
+    EXPECT_EQ(m_server.Requests().size(), 2u);
+}
+
 }  // namespace
 }  // namespace Mirqos::Test

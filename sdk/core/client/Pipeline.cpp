@@ -10,6 +10,7 @@
 #include "sdk/core/Seam.h"
 #include "sdk/core/client/OutgoingBody.h"
 #include "sdk/core/client/Text.h"
+#include "sdk/core/http/Ascii.h"
 #include "sdk/core/http/RequestBody.h"
 #include "sdk/core/util/UrlEncode.h"
 
@@ -20,8 +21,9 @@ using Aws::Client::CoreErrors;
 
 constexpr char kLogTag[] = "AWSClient";
 constexpr char kDefaultRegion[] = "us-east-1";
-/// Time stamps of signatures are good for fifteen minutes; below this difference, the clock is not
-/// what the service complains about.
+/// Time stamps of signatures are good for this long.
+constexpr std::int64_t kStampLifetimeSeconds = 15 * 60;
+/// Below this difference, the clock is not what the service complains about.
 constexpr std::int64_t kToleratedSkewSeconds = 60;
 
 Http::TransportOptions OptionsFor(const Aws::Client::ClientConfiguration& configuration) {
@@ -267,8 +269,15 @@ Pipeline::Outcome Pipeline::Attempt(Call& call) const {
     if (outcome.IsSuccess()) {
         return outcome;
     }
-    CorrectClock(outcome.GetError(), receiver.Head().headers);
     Error error = outcome.GetError();
+    if (error.GetErrorType() == CoreErrors::REQUEST_TIME_TOO_SKEWED) {
+        CorrectClock(kToleratedSkewSeconds, receiver.Head().headers);
+    } else if (call.wire.method == "HEAD" && receiver.Head().status == 403 &&
+               CorrectClock(kStampLifetimeSeconds, receiver.Head().headers)) {
+        // No body tells why it was refused, but with such a clock it cannot have been taken. Left
+        // at that, a wrong clock would make objects and buckets look as if they did not exist.
+        error = MakeError(error.GetErrorType(), error.GetExceptionName(), error.GetMessage(), true);
+    }
     error.SetResponseCode(static_cast<Aws::Http::HttpResponseCode>(receiver.Head().status));
     return Outcome(std::move(error));
 }
@@ -323,7 +332,7 @@ std::optional<Error> Pipeline::ReadDocument(const WireRequest& wire,
     }
     // Where nothing is expected, a document is passed over, but a page for people is not a success:
     // something between here and the service gave it.
-    if (expected ? root->name != wire.xmlRoot : root->name == "html") {
+    if (expected ? root->name != wire.xmlRoot : Http::EqualNoCase(root->name, "html")) {
         return DocumentError("The answer is not " +
                              (expected ? "a " + wire.xmlRoot + " document" : "a service's") +
                              ", but \"" + root->name + "\".");
@@ -336,22 +345,21 @@ bool Pipeline::MayRetry(const Error& error, long retries) const {
     return m_retryStrategy != nullptr && m_retryStrategy->ShouldRetry(error, retries);
 }
 
-void Pipeline::CorrectClock(const Error& error, const Http::HeaderList& headers) const {
-    if (error.GetErrorType() != CoreErrors::REQUEST_TIME_TOO_SKEWED) {
-        return;
-    }
+bool Pipeline::CorrectClock(std::int64_t toleratedSeconds, const Http::HeaderList& headers) const {
     const std::string* const date = Http::FindHeader(headers, "Date");
     const std::optional<UtcTime> serviceTime =
         date != nullptr ? ParseHttpDate(*date) : std::nullopt;
     if (!serviceTime) {
-        return;
+        return false;
     }
     const auto ahead = std::chrono::duration_cast<std::chrono::seconds>(*serviceTime - Now());
-    if (ahead.count() > kToleratedSkewSeconds || ahead.count() < -kToleratedSkewSeconds) {
-        m_clockOffset = std::chrono::duration_cast<std::chrono::seconds>(*serviceTime - OwnClock());
-        AWS_LOGSTREAM_WARN(kLogTag, "The service's clock is " << ahead.count()
-                                                              << " s ahead; signing with its time");
+    if (ahead.count() <= toleratedSeconds && ahead.count() >= -toleratedSeconds) {
+        return false;
     }
+    m_clockOffset = std::chrono::duration_cast<std::chrono::seconds>(*serviceTime - OwnClock());
+    AWS_LOGSTREAM_WARN(
+        kLogTag, "The service's clock is " << ahead.count() << " s ahead; signing with its time");
+    return true;
 }
 
 UtcTime Pipeline::Now() const {

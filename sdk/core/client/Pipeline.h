@@ -65,7 +65,9 @@ private:
     std::optional<Error> Prepare(Call& call) const;
     Http::Request Message(const Call& call) const;
     bool MayRetry(const Error& error, long retries) const;
-    void CorrectClock(const Error& error, const Http::HeaderList& headers) const;
+    /// Signs with the service's time from now on when the Date of its answer is further off than
+    /// tolerated, and tells whether it was.
+    bool CorrectClock(std::int64_t toleratedSeconds, const Http::HeaderList& headers) const;
     UtcTime Now() const;
 
     const Service m_service;
