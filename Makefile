@@ -18,6 +18,9 @@ demo: deps ## build the product and let it back up a folder to an S3 server and 
 dist: deps ## build the product and pack it: build/dist/mirqos-VERSION-windows-x64.zip
 	@scripts/dist
 
+faults: deps ## put every operation through every fault of the network (PRESET=linux-release)
+	@scripts/faults $(PRESET)
+
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
 
