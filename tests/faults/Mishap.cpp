@@ -236,6 +236,13 @@ void AddHeaderFaults(std::vector<Mishap>& faults) {
     faults.push_back(Altered("no Content-Length", without("Content-Length"), Always(kHarmless)));
     faults.push_back(Altered("no Content-Type", without("Content-Type"), Always(kHarmless)));
     faults.push_back(Altered("no Date", without("Date"), Always(kHarmless)));
+    faults.push_back(Altered(
+        "another range",
+        [](const std::string& good) {
+            return WithLine(WithoutHeader(good, "Content-Range"),
+                            "Content-Range: bytes 7-1006/2000");
+        },
+        Where(Answered::bytes, kNotUnderstood)));
     // Whoever reads another of the two lengths reads another answer.
     const auto whereBody = [](const Sent& sent) -> std::optional<Effect> {
         if (sent.answered == Answered::document || sent.answered == Answered::bytes) {

@@ -180,10 +180,15 @@ Answer ModelService::Get(const RecordedRequest& request, const std::string& obje
         return Document(
             "<Tagging><TagSet><Tag><Key>kind</Key><Value>test</Value></Tag></TagSet></Tagging>");
     }
-    return Answer::Status(request.method == "HEAD" ? 200 : 206)
-        .Header("Content-Type", kText)
-        .Header("ETag", "\"of the object\"")
-        .Body(Ranged(objects.at(object), request.Value("Range")));
+    Answer answer = Answer::Status(request.method == "HEAD" ? 200 : 206)
+                        .Header("Content-Type", kText)
+                        .Header("ETag", "\"of the object\"")
+                        .Body(Ranged(objects.at(object), request.Value("Range")));
+    if (request.Header("Range") != nullptr) {
+        answer.Header("Content-Range", "bytes " + request.Value("Range").substr(6) + "/" +
+                                           std::to_string(objects.at(object).size()));
+    }
+    return answer;
 }
 
 Answer ModelService::Put(const RecordedRequest& request, const std::string& object) {

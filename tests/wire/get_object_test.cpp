@@ -167,5 +167,36 @@ TEST_F(GetObjectAnswer, ARangeBeyondTheEndGivesTheServicesError) {
         "InvalidRange");
 }
 
+TEST_F(GetObjectRange, AnotherRangeThanAskedForIsAFailureAndDeliversNothing) {
+    const Answer whole = Answer::Status(200).Body(std::string(300, 'w'));
+    const auto store = MakeStore();
+    for (const Answer& answer :
+         {Answer(whole), Answer(whole).Header("Content-Range", "bytes 0-99/300"),
+          Answer::Status(206)
+              .Header("Content-Range", "bytes 101-200/300")
+              .Body(std::string(100, 'x'))}) {
+        m_log.Clear();
+        m_server.Next(answer);
+        ExpectReadFailed(Read(*store, "k", 100, 100), Aws::S3::S3Errors::UNKNOWN, "k",
+                         testing::HasSubstr("other bytes than the range"));
+    }
+    EXPECT_TRUE(Waits().empty());
+}
+
+TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldOrDoesNotTellIsBelieved) {
+    const std::string body(100, 'b');
+    const auto store = MakeStore();
+    for (const Answer& answer :
+         {Answer::Status(206).Body(body),
+          Answer::Status(206).Header("Content-Range", "bytes 100-199/300").Body(body),
+          Answer::Status(200).Header("Content-Range", "bytes 100-199/*").Body(body),
+          Answer::Status(206).Header("Content-Range", "octets 1-2").Body(body)}) {
+        m_server.Next(answer);
+        EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), body);
+    }
+    m_server.Next(Answer::Status(200).Body(std::string(300, 'w')));
+    EXPECT_EQ(Read(*store, "k", 0, 100).Delivered(), std::string(100, 'w'));
+}
+
 }  // namespace
 }  // namespace Mirqos::Test

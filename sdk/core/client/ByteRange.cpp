@@ -1,0 +1,43 @@
+#include "sdk/core/client/ByteRange.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "sdk/core/http/BodyLedger.h"
+
+namespace Mirqos::Client {
+namespace {
+
+/// FIRST of a text that begins with `unit` and "FIRST-"; nothing for any other.
+std::optional<std::uint64_t> FirstByte(std::string_view text, std::string_view unit) {
+    if (text.substr(0, unit.size()) != unit) {
+        return std::nullopt;
+    }
+    text.remove_prefix(unit.size());
+    const std::size_t dash = text.find('-');
+    std::uint64_t first = 0;
+    if (dash == std::string_view::npos || !Http::ParseLength(text.substr(0, dash), first)) {
+        return std::nullopt;
+    }
+    return first;
+}
+
+}  // namespace
+
+bool BeginsElsewhere(const Http::HeaderList& asked, const Http::ResponseHead& answered) {
+    const std::string* const range = Http::FindHeader(asked, "Range");
+    const auto first = range != nullptr ? FirstByte(*range, "bytes=") : std::nullopt;
+    if (!first) {
+        return false;
+    }
+    const std::string* const sent = Http::FindHeader(answered.headers, "Content-Range");
+    if (sent == nullptr) {
+        return answered.status == 200 && *first != 0;
+    }
+    const auto begin = FirstByte(*sent, "bytes ");
+    return begin && *begin != *first;
+}
+
+}  // namespace Mirqos::Client
