@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/faults/FaultyService.h"
 #include "tests/faults/Operation.h"
@@ -37,25 +39,21 @@ public:
 const auto* const g_pPrintedTally = testing::AddGlobalTestEnvironment(new PrintedTally);
 
 /// Whether the line is what the pattern of a promise says.
-bool Matches(const char* pattern, const char* line) {
-    for (; *pattern != '\0'; ++pattern, ++line) {
-        if (*pattern == '*' || *pattern == '~') {
-            for (const char* rest = line + (*pattern == '*' ? 1 : 0); *line != '\0' || rest == line;
-                 ++rest) {
-                if (Matches(pattern + 1, rest)) {
-                    return true;
-                }
-                if (*rest == '\0') {
-                    return false;
-                }
-            }
-            return false;
-        }
-        if (*pattern != *line) {
-            return false;
+bool Matches(std::string_view pattern, std::string_view line) {
+    if (pattern.empty()) {
+        return line.empty();
+    }
+    const char first = pattern.front();
+    const std::string_view rest = pattern.substr(1);
+    if (first != '*' && first != '~') {
+        return !line.empty() && line.front() == first && Matches(rest, line.substr(1));
+    }
+    for (std::size_t taken = first == '*' ? 1 : 0; taken <= line.size(); ++taken) {
+        if (Matches(rest, line.substr(taken))) {
+            return true;
         }
     }
-    return *line == '\0';
+    return false;
 }
 
 std::string Joined(const std::vector<std::string>& lines) {
@@ -123,10 +121,9 @@ protected:
         std::vector<std::string> left = lines;
         bool kept = lines.size() == promised.size();
         for (const std::string& pattern : promised) {
-            const auto found =
-                std::find_if(left.begin(), left.end(), [&pattern](const std::string& line) {
-                    return Matches(pattern.c_str(), line.c_str());
-                });
+            const auto found = std::find_if(
+                left.begin(), left.end(),
+                [&pattern](const std::string& line) { return Matches(pattern, line); });
             const bool inOrder = m_operation.IsUnordered() || found == left.begin();
             if (found == left.end() || !inOrder) {
                 kept = false;
