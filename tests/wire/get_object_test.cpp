@@ -198,5 +198,11 @@ TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldOrDoesNotTellIsBelieved) {
     EXPECT_EQ(Read(*store, "k", 0, 100).Delivered(), std::string(100, 'w'));
 }
 
+TEST_F(GetObjectRange, AnEmptyObjectInPlaceOfAnyRangeIsBelieved) {
+    const auto store = MakeStore();
+    m_server.Next(Answer::Status(200).Body(""));
+    EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), "");
+}
+
 }  // namespace
 }  // namespace Mirqos::Test

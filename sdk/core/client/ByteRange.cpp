@@ -34,7 +34,9 @@ bool BeginsElsewhere(const Http::HeaderList& asked, const Http::ResponseHead& an
     }
     const std::string* const sent = Http::FindHeader(answered.headers, "Content-Range");
     if (sent == nullptr) {
-        return answered.status == 200 && *first != 0;
+        const std::string* const length = Http::FindHeader(answered.headers, "Content-Length");
+        const bool empty = length != nullptr && *length == "0";
+        return answered.status == 200 && *first != 0 && !empty;
     }
     const auto begin = FirstByte(*sent, "bytes ");
     return begin && *begin != *first;
