@@ -204,5 +204,11 @@ TEST_F(GetObjectRange, AnEmptyObjectInPlaceOfAnyRangeIsBelieved) {
     EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), "");
 }
 
+TEST_F(GetObjectRange, TheWholeObjectInPlaceOfARangeThatIsNoneIsBelieved) {
+    const auto store = MakeStore();
+    m_server.Next(Answer::Status(200).Body("whole"));
+    EXPECT_EQ(Read(*store, "k", 100, 0).Delivered(), "whole");  // bytes=100-99
+}
+
 }  // namespace
 }  // namespace Mirqos::Test

@@ -24,12 +24,18 @@ std::optional<std::uint64_t> FirstByte(std::string_view text, std::string_view u
     return first;
 }
 
+/// A range whose end lies before its beginning is none: services may pass it over.
+bool IsInverted(std::string_view range, std::uint64_t first) {
+    std::uint64_t last = 0;
+    return Http::ParseLength(range.substr(range.find('-') + 1), last) && last < first;
+}
+
 }  // namespace
 
 bool BeginsElsewhere(const Http::HeaderList& asked, const Http::ResponseHead& answered) {
     const std::string* const range = Http::FindHeader(asked, "Range");
     const auto first = range != nullptr ? FirstByte(*range, "bytes=") : std::nullopt;
-    if (!first) {
+    if (!first || IsInverted(*range, *first)) {
         return false;
     }
     const std::string* const sent = Http::FindHeader(answered.headers, "Content-Range");
