@@ -4,23 +4,20 @@
 #include <condition_variable>
 #include <limits>
 #include <mutex>
-#include <string>
-
-#include "tests/support/RawServer.h"
 
 namespace Mirqos::Test {
 
-/// Lets a server send some bytes now and then until the test has seen enough: a trickle needs time
-/// to pass, and nothing depends on how much.
+/// Lets a server do a little now and then until the test has seen enough: a trickle needs time to
+/// pass, and nothing depends on how much.
 class Trickle {
 public:
     /// At least 10 ms for each of `times`.
-    void Run(RawServer::Connection& connection, const std::string& bytes,
-             int times = std::numeric_limits<int>::max()) {
+    template <typename Step>
+    void Run(Step step, int times = std::numeric_limits<int>::max()) {
         std::unique_lock lock(m_mutex);
         for (int i = 0; i < times && !m_stop; ++i) {
             lock.unlock();
-            connection.Send(bytes);
+            step();
             lock.lock();
             m_stopped.wait_for(lock, std::chrono::milliseconds(10), [this] { return m_stop; });
         }

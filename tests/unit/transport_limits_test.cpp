@@ -71,7 +71,7 @@ TEST(TransportLimits, AHeadThatTricklesInIsLeft) {
     RawServer server([&](Connection& connection, int) {
         connection.ReadHead();
         connection.Send("HTTP/1.1 200 OK\r\n");
-        trickle.Run(connection, "x: y\r\n");
+        trickle.Run([&] { connection.Send("x: y\r\n"); });
     });
     KeptAnswer answer;
     const Http::Result result = Get(server, kShortStall, answer);
@@ -101,7 +101,7 @@ TEST(TransportLimits, ASlowBodyThatMovesIsNotLeft) {
     RawServer server([&](Connection& connection, int) {
         connection.ReadHead();
         connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n");
-        trickle.Run(connection, "x", 200);  // takes at least 2 s
+        trickle.Run([&] { connection.Send("x"); }, 200);  // takes at least 2 s
         connection.AwaitClose();
     });
     KeptAnswer answer;
@@ -109,6 +109,28 @@ TEST(TransportLimits, ASlowBodyThatMovesIsNotLeft) {
     trickle.Stop();
     EXPECT_EQ(result.failure, Failure::none) << result.message;
     EXPECT_EQ(answer.body, std::string(200, 'x'));
+}
+
+TEST(TransportLimits, ASlowUploadThatMovesIsNotLeft) {
+    // far more than the buffers between the two ends hold
+    constexpr std::uint64_t step = 512 * 1024;
+    constexpr int steps = 200;
+    Trickle trickle;
+    RawServer server([&](Connection& connection, int) {
+        connection.ReadHead();
+        trickle.Run([&] { connection.Skip(step); }, steps);  // takes at least 2 s
+        connection.Send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+        connection.AwaitClose();
+    });
+    LongStream body(step * steps);
+    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+    request.body = &body;
+    request.bodyLength = step * steps;
+    KeptAnswer answer;
+    const Http::Result result = Http::MakeTransport({})->Exchange(request, {60s, 1500ms}, answer);
+    trickle.Stop();
+    EXPECT_EQ(result.failure, Failure::none) << result.message;
+    EXPECT_EQ(answer.heads, 1);
 }
 
 TEST(TransportLimits, AHandshakeThatNeverEndsIsLeft) {

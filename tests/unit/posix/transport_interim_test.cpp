@@ -39,7 +39,7 @@ TEST(TransportInterim, EndlessHeadsAreLeft) {
     Trickle trickle;
     RawServer server([&](Connection& connection, int) {
         connection.ReadHead();
-        trickle.Run(connection, kInterim[1]);
+        trickle.Run([&] { connection.Send(kInterim[1]); });
     });
     KeptAnswer kept;
     const Http::Result result = Http::MakeTransport({})->Exchange(
