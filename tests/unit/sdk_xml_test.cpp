@@ -106,14 +106,60 @@ TEST(SdkXml, TextBeyondAsciiArrivesWhereverItStands) {
 }
 
 TEST(SdkXml, CharacterReferencesKeepTheirCharacter) {
-    // Wine's XmlLite turns every reference to white space into a blank and knows no character
-    // beyond U+FFFF; the system's own does neither.
-    if (UnderWine()) {
-        GTEST_SKIP() << "Wine's XML reader changes such references";
-    }
-    const auto root = ParseText("<R>&#13;&#x0D;&#10;&#9;&#x1F600;</R>");
+    const auto root = ParseText("<R>&#13;&#x0D;&#10;&#9;&#65;&#x1F600;&#x10FFFF;</R>");
     ASSERT_TRUE(root);
-    EXPECT_EQ(root->text, "\r\r\n\t\xF0\x9F\x98\x80");
+    EXPECT_EQ(root->text, "\r\r\n\tA\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF");
+}
+
+TEST(SdkXml, CharactersThatXmlDoesNotKnowAreReadAsReferencesAndAsTheyAre) {
+    std::string references;
+    std::string expected;
+    for (char c = 1; c < ' '; ++c) {
+        references += "&#" + std::to_string(c) + ";";
+        expected += c;
+    }
+    const auto root =
+        ParseText("<R><K>" + references + "</K><K>&#x1;&#x001f;&#x1F;</K><K>&#xFFFE;" +
+                  "&#xffff;</K><K>\xEF\xBF\xBE\xEF\xBF\xBF</K></R>");
+    ASSERT_TRUE(root);
+    ASSERT_EQ(root->children.size(), 4u);
+    EXPECT_EQ(root->children[0].text, expected);
+    EXPECT_EQ(root->children[1].text, "\x01\x1F\x1F");
+    EXPECT_EQ(root->children[2].text, "\xEF\xBF\xBE\xEF\xBF\xBF");
+    EXPECT_EQ(root->children[3].text, "\xEF\xBF\xBE\xEF\xBF\xBF");
+}
+
+TEST(SdkXml, TextThatLooksLikeAHiddenCharacterIsExact) {
+    const auto root = ParseText(
+        "<R><K>\xEF\xA3\xBF</K><K>&#xF8FF;1;</K><K>\xEF\xA3\xBF"
+        "1;&#1;\xEF\xA3\xBF</K></R>");
+    ASSERT_TRUE(root);
+    ASSERT_EQ(root->children.size(), 3u);
+    EXPECT_EQ(root->children[0].text, "\xEF\xA3\xBF");
+    EXPECT_EQ(root->children[1].text,
+              "\xEF\xA3\xBF"
+              "1;");
+    EXPECT_EQ(root->children[2].text,
+              "\xEF\xA3\xBF"
+              "1;\x01\xEF\xA3\xBF");
+}
+
+TEST(SdkXml, ReferencesAreNoneInCData) {
+    const auto root = ParseText(
+        "<R>&#1;<![CDATA[&#1;\xEF\xA3\xBF"
+        "1;\xEF\xBF\xBE<![CDATA[]]>&#2;</R>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->text,
+              "\x01&#1;\xEF\xA3\xBF"
+              "1;\xEF\xBF\xBE<![CDATA[\x02");
+}
+
+TEST(SdkXml, AReferenceOutsideTheRootOrInATagMakesNoDocument) {
+    for (const char* document :
+         {"&#32;<a/>", "<a/>&#32;", "<a&#32;/>", "<&#97;/>", "<a>\xEF\xBF\xBE</a>\xEF\xBF\xBE"}) {
+        SCOPED_TRACE(document);
+        ErrorOf(document);
+    }
 }
 
 TEST(SdkXml, DeclaredEncodingDoesNotMatter) {
@@ -286,7 +332,10 @@ TEST(SdkXml, WriterEscapesWhatXmlWouldChange) {
 }
 
 TEST(SdkXml, WhatTheWriterWroteIsReadBack) {
-    const std::string text = " a&b<c>\"d'\x7F \xC3\xA4]]> ";
+    std::string text = " a&b<c>\"d'\x7F \xC3\xA4]]> ";
+    for (char c = 1; c < ' '; ++c) {
+        text += c;
+    }
     Writer writer;
     writer.Open("R");
     writer.Leaf("K", text);

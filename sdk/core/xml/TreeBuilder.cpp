@@ -1,5 +1,7 @@
 #include "sdk/core/xml/TreeBuilder.h"
 
+#include "sdk/core/xml/HiddenCharacters.h"
+
 namespace Mirqos::Xml {
 
 bool TreeBuilder::Refuse(const char* why) {
@@ -40,6 +42,7 @@ bool TreeBuilder::End() {
     }
     Element done = std::move(m_open.back());
     m_open.pop_back();
+    RestoreCharacters(done.text);
     if (m_open.empty()) {
         m_root = std::move(done);
     } else {

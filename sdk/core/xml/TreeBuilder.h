@@ -14,6 +14,7 @@ namespace Mirqos::Xml {
 class TreeBuilder {
 public:
     bool Start(std::string_view localName);
+    /// Of a document with hidden characters.
     bool Text(std::string_view text);
     bool End();
     /// Always false.

@@ -34,6 +34,7 @@ struct Element {
 /// The root element of the document. Nothing for a document that is empty, not well-formed, beyond
 /// the bounds above or has a document type declaration (so no entities of its own); `error` then
 /// tells why in one line. Attributes, comments and processing instructions are passed over.
+/// References to control characters, which XML 1.0 does not know, are read as services mean them.
 std::optional<Element> Parse(const char* data, std::size_t size, std::string& error);
 
 /// Writes one document, without white space between elements. Names have to be XML names; texts and

@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "sdk/core/xml/HiddenCharacters.h"
 #include "sdk/core/xml/TreeBuilder.h"
 
 namespace Mirqos::Xml {
@@ -74,6 +75,8 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;
     }
+    std::string room;
+    const std::string_view document = HideCharacters({data, size}, room);
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
         XML_ParserCreateNS("UTF-8", kSeparator), &XML_ParserFree);
     if (parser == nullptr) {
@@ -86,7 +89,8 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
     XML_SetCharacterDataHandler(parser.get(), &OnText);
     XML_SetStartDoctypeDeclHandler(parser.get(), &OnDoctype);
 
-    const XML_Status status = XML_Parse(parser.get(), data, static_cast<int>(size), XML_TRUE);
+    const XML_Status status =
+        XML_Parse(parser.get(), document.data(), static_cast<int>(document.size()), XML_TRUE);
     if (context.thrown) {
         std::rethrow_exception(context.thrown);
     }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 
+#include "sdk/core/xml/HiddenCharacters.h"
 #include "sdk/core/xml/TreeBuilder.h"
 #include "sdk/core/xml/win32/CutDocument.h"
 
@@ -190,7 +191,8 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;
     }
-    const std::string_view document = WithoutProlog({data, size});
+    std::string room;
+    const std::string_view document = HideCharacters(WithoutProlog({data, size}), room);
     if (IsCut(document)) {
         error = "the document ends too early";
         return std::nullopt;
