@@ -10,6 +10,7 @@
 
 #include "log/dbg/win32/CSMOutput.h"
 #include "tests/process/ChildProcess.h"
+#include "tests/support/RandomDamage.h"
 #include "tests/support/win32/HeldWriter.h"
 #include "tests/support/win32/ViewerSide.h"
 
@@ -165,6 +166,66 @@ TEST_F(ProcessChannelTest, AWriterKilledWhileItHoldsTheTableHoldsNobodyUp) {
     EXPECT_TRUE(board.WaitForHit());
     EXPECT_TRUE(board.Release(0));
     EXPECT_TRUE(held.WaitUntilDone());
+}
+
+/// Reads lines until one of the writer's is whole; what was damaged comes between.
+bool ReadsAWholeLine(const ListenedChannel& channel, CLogShareMemory& reader) {
+    return Becomes([&] {
+        LogMessages messages;
+        EXPECT_TRUE(channel.WaitForRecord());
+        reader.Read(messages);
+        return !messages.empty() &&
+               messages.back()->GetSource() == std::wstring(L"channel_writer") &&
+               std::wstring(messages.back()->GetText()).find_first_not_of(L"0123456789") ==
+                   std::wstring::npos;
+    });
+}
+
+TEST(ProcessChannel, RandomDamageToRingAndBreakpointsEndsNoWriterAndHoldsNoneForEver) {
+    const SharedSignal ready(UniqueName(L"ready"));
+    const SharedSignal stop(UniqueName(L"stop"));
+    const ChildProcess writer = Start(L"write", ready, {stop.Name()});
+    ASSERT_TRUE(ready.Wait());
+    RandomDamage damage(1);
+    for (int nViewer = 0; nViewer < 8; ++nViewer) {
+        const AnnouncedViewer viewer;
+        ListenedChannel channel(kChannel);
+        BreakpointBoard board;
+        BreakpointBytes table = board.Table();
+        table.Set(0, 1, u"Process.Channel.exe", u"77");
+        ASSERT_TRUE(channel.WaitForRecord());
+        CLogShareMemory reader(kChannel);
+        reader.Open();
+        RingBytes ring = channel.Ring();
+        for (int nBlow = 0; nBlow < 500; ++nBlow) {
+            // the records are large: more often what tells of them
+            damage.Strike(ring, nBlow % 2 == 0 ? RingBytes::RecordAt(0) : RingBytes::kSize);
+            damage.Strike(table,
+                          nBlow % 2 == 0 ? BreakpointBytes::IdAt(2) : BreakpointBytes::kSize);
+            if (nBlow % 16 == 0) {
+                LogMessages messages;
+                reader.Read(messages);
+            }
+            if (board.IsHit()) {
+                board.Release(0);
+            }
+            ASSERT_TRUE(writer.IsRunning());
+        }
+        // With the counters mended and no breakpoints left, lines arrive again.
+        table.SetNumber(BreakpointBytes::kCountAt, 0);
+        ring.SetLongNumber(RingBytes::kLastReadAt, -1);
+        ring.SetLongNumber(RingBytes::kLastWrittenAt, -1);
+        for (std::size_t nHit = 0; nHit < BreakpointBytes::kHits; ++nHit) {
+            if (!table.IsFree(nHit)) {
+                board.Release(nHit);
+            }
+        }
+        if (nViewer % 2 == 0) {
+            EXPECT_TRUE(ReadsAWholeLine(channel, reader));
+        }
+    }
+    stop.Set();
+    EXPECT_EQ(writer.ExitCode(), 0u);
 }
 
 TEST(ProcessChannel, AKilledViewerFreesWhomItHolds) {

@@ -3,15 +3,19 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <regex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "log/dbg/LogConfigBlock.h"
 #include "log/dbg/LogText.h"
 #include "tests/process/ChildProcess.h"
+#include "tests/support/RandomDamage.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/FileOutputTest.h"
+#include "tests/support/win32/RawBlock.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -60,23 +64,38 @@ protected:
         }
     }
 
-    // Every line that was written stands in `lines`, whole and once, those of a thread in order.
-    void ExpectAllOf(const Lines& lines) const {
-        const std::wregex form(
+    // The numbers of process, thread and line, of a line that is whole.
+    static std::optional<std::array<int, 3>> NumbersOf(const std::wstring& line) {
+        static const std::wregex form(
             L"\\[\\d{4}/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d:\\d{3}   01   \\d{5}   \\d{5} {13}\\] "
             L"<(\\d+):(\\d+):(\\d+)>(.*)");
-        const auto nThreads = static_cast<std::size_t>(m_work.nThreads);
-        std::vector<int> next(static_cast<std::size_t>(m_work.nProcesses) * nThreads);
+        std::wsmatch match;
+        if (!std::regex_match(line, match, form) || match[4] != kWriterTag) {
+            return std::nullopt;
+        }
+        return std::array<int, 3>{std::stoi(match[1]), std::stoi(match[2]), std::stoi(match[3])};
+    }
+
+    // Every line that was written stands in `lines`, whole and once, those of a thread in order.
+    // The processes before `nFirst` may have lost some.
+    void ExpectAllOf(const Lines& lines, int nFirst = 0) const {
+        std::vector<std::vector<int>> next(
+            static_cast<std::size_t>(m_work.nProcesses),
+            std::vector<int>(static_cast<std::size_t>(m_work.nThreads)));
         for (const std::wstring& line : lines) {
-            std::wsmatch match;
-            ASSERT_TRUE(std::regex_match(line, match, form) && match[4] == kWriterTag)
-                << std::string(line.begin(), line.end());
-            int& nNext = next.at(std::stoul(match[1]) * nThreads + std::stoul(match[2]));
-            ASSERT_EQ(std::stoi(match[3]), nNext) << "lost, twice or out of order";
+            const auto numbers = NumbersOf(line);
+            ASSERT_TRUE(numbers) << std::string(line.begin(), line.end());
+            const auto [nProcess, nThread, nLine] = *numbers;
+            int& nNext =
+                next.at(static_cast<std::size_t>(nProcess)).at(static_cast<std::size_t>(nThread));
+            ASSERT_TRUE(nProcess < nFirst || nLine == nNext) << "lost, twice or out of order";
             ++nNext;
         }
-        for (const int nNext : next) {
-            EXPECT_EQ(nNext, m_work.nLines) << "the last lines are missing";
+        next.erase(next.begin(), next.begin() + nFirst);
+        for (const std::vector<int>& ofThreads : next) {
+            for (const int nNext : ofThreads) {
+                EXPECT_EQ(nNext, m_work.nLines) << "the last lines are missing";
+            }
         }
     }
 
@@ -113,6 +132,50 @@ TEST_F(ProcessLog, ARotationInTheMiddleLosesNothing) {
     ExpectAllOf(before + MessagesOf(successor));
     EXPECT_GE(FileSizeOf(m_path), kFull);
     EXPECT_EQ(m_folder.Names(), (Lines{L"a.dll.00000001.log", L"a.dll.Log"}));
+}
+
+TEST_F(ProcessLog, RandomDamageToALiveConfigurationTearsNoLineAndLosesNoneOfAnotherProcess) {
+    Start({2, 2, 1000});
+    const std::string name = LOGUTILS::kBlockName + std::to_string(m_writers.front().Id());
+    const RawBlock block(L"Global\\" + std::wstring(name.begin(), name.end()));
+    ASSERT_TRUE(block);
+    LogBlockBytes fields = block.Fields();
+    // Lines of a module that is not found any more stay in the folder, too.
+    fields.SetText(LogBlockBytes::kGlobalPathAt, LogBlockBytes::kPathUnits,
+                   std::u16string(m_path.begin(), m_path.end()));
+    const std::string before = block.Copy();
+    const std::size_t nFolder = 2 * (m_path.find_last_of(L'\\') + 1);
+    RandomDamage damage(1);
+    Go();
+    while (m_writers.front().IsRunning()) {
+        for (int nBlow = 0; nBlow < 64; ++nBlow) {
+            const std::size_t nEnd =
+                nBlow % 2 == 0 ? LogBlockBytes::NameAt(4) : LogBlockBytes::kSize;
+            const std::size_t nPlace = damage.Below(nEnd - 3);
+            const std::size_t nInEntry = (nPlace + 1160 - LogBlockBytes::NameAt(0) % 1160) % 1160;
+            const bool bGlobalPath = nPlace + 3 >= LogBlockBytes::kGlobalPathAt &&
+                                     nPlace < LogBlockBytes::kGlobalLevelAt;
+            const bool bPath = bGlobalPath || (nInEntry + 3 >= 128 && nInEntry < 1152);
+            if (!bPath) {
+                fields.SetNumber(nPlace, damage.Number());
+            }
+        }
+        // Another name in the same folder.
+        for (const std::size_t nPath : {LogBlockBytes::kGlobalPathAt, LogBlockBytes::PathAt(0)}) {
+            fields.SetNumber(nPath + nFolder,
+                             0x00410041 + static_cast<std::uint32_t>(damage.Below(8)));
+        }
+        if (damage.Below(4) == 0) {
+            std::copy(before.begin(), before.end(), block.Data());
+        }
+    }
+    AwaitEnd();
+    ExpectAllOf(MessagesOf(m_path), 1);
+    for (const std::wstring& other : m_folder.Names()) {
+        for (const std::wstring& line : MessagesOf(PathOf(other))) {
+            EXPECT_TRUE(NumbersOf(line)) << std::string(line.begin(), line.end());
+        }
+    }
 }
 
 TEST_F(ProcessLog, PathsAndLevelsThatChangeWhileAllWriteLoseNothing) {
