@@ -19,7 +19,8 @@ using Aws::Utils::Stream::DefaultUnderlyingStream;
 using Aws::Utils::Stream::PreallocatedStreamBuf;
 
 struct AwsS3Store::TransferHandleAsyncContext : Aws::Client::AsyncCallerContext {
-    /// The stream of the latest attempt, owned by the SDK.
+    /// The stream of the latest attempt, owned by the SDK: it lives as long as the outcome, which
+    /// not every SDK lets a handler take the stream from.
     mutable std::atomic<Aws::IOStream*> m_pResponseStream{nullptr};
     CloudStoreReadObjectContext m_oReadContext;
     std::shared_ptr<AsyncReadStatus> m_pBatch;
@@ -73,9 +74,10 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         request.SetResponseStreamFactory([pTransfer]() -> Aws::IOStream* {
             ModuleLog(&g_ModuleLog, 2, "%s lambda enter.", kOperation);
             const auto nLength = static_cast<size_t>(pTransfer->m_oReadContext.m_nReadLen);
-            auto* pBuffer = Aws::New<ReadBuffer>(Mirqos::kAllocationTag,
-                                                 pTransfer->m_pBatch->NewBuffer(nLength));
-            auto* pStream = Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, pBuffer);
+            auto pBuffer = Aws::MakeUnique<ReadBuffer>(Mirqos::kAllocationTag,
+                                                       pTransfer->m_pBatch->NewBuffer(nLength));
+            auto* pStream =
+                Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, std::move(pBuffer));
             pTransfer->m_pResponseStream.exchange(pStream);
             return pStream;
         });
@@ -134,8 +136,8 @@ void AwsS3Store::HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& req
         // After a failure nothing more is delivered, and the failure stays: a success that replaced
         // it would tell the caller that all buffers hold their data.
         const auto nContentLength = outcome.GetResult().GetContentLength();
-        const uint64_t nCopied =
-            Mirqos::CopyBody(*outcome.GetResult().GetBody().rdbuf(), nContentLength, read.m_pBuf);
+        const uint64_t nCopied = Mirqos::CopyBody(*transfer.m_pResponseStream.load()->rdbuf(),
+                                                  nContentLength, read.m_pBuf);
         ModuleLog(&g_ModuleLog, 1, "[%s]. pBuf:[%lld] len:[%d] contentLen:[%d] availSize=[%d].",
                   kOperation, static_cast<long long>(reinterpret_cast<intptr_t>(read.m_pBuf)),
                   static_cast<int>(read.m_nReadLen), static_cast<int>(nContentLength),

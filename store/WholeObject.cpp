@@ -5,6 +5,7 @@
 #include <aws/s3/model/PutObjectRequest.h>
 
 #include <cassert>
+#include <utility>
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
@@ -46,12 +47,12 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     request.SetKey(KeyForService(pContext->m_pszKey));
     request.SetRange(Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd));
     request.SetResponseStreamFactory([this, nReadLen = pContext->m_nReadLen]() -> Aws::IOStream* {
-        auto* pBuffer = Aws::New<PreallocatedStreamBuf>(
+        auto pBuffer = Aws::MakeUnique<PreallocatedStreamBuf>(
             Mirqos::kAllocationTag, m_pWorkBuffer->GetUnderlyingData(), nReadLen);
-        return Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, pBuffer);
+        return Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, std::move(pBuffer));
     });
 
-    const auto outcome = m_pClient->GetObject(request);
+    auto outcome = m_pClient->GetObject(request);
     if (outcome.IsSuccess()) {
         std::streambuf* pBody = outcome.GetResult().GetBody().rdbuf();
         pContext->m_nReadSize =

@@ -59,8 +59,8 @@ TEST(S3Answers, ShortStreamTakesTheFirstBytesAndTheRestIsDropped) {
     unsigned char room[8] = {};
     GetObjectRequest request = Get();
     request.SetResponseStreamFactory([&room] {
-        return Aws::New<DefaultUnderlyingStream>(kTag,
-                                                 Aws::New<PreallocatedStreamBuf>(kTag, room, 4u));
+        return Aws::New<DefaultUnderlyingStream>(
+            kTag, Aws::MakeUnique<PreallocatedStreamBuf>(kTag, room, 4u));
     });
 
     const auto outcome = S3Client(kCredentials, Configuration()).GetObject(request);

@@ -139,7 +139,7 @@ private:
 TEST(SdkResponseStream, UnderlyingStreamDestroysTheBufferItWasGiven) {
     int destroyed = 0;
     {
-        DefaultUnderlyingStream stream(Aws::New<CountingBuffer>("test", destroyed));
+        DefaultUnderlyingStream stream(Aws::MakeUnique<CountingBuffer>("test", destroyed));
         stream << "text";
         EXPECT_EQ(destroyed, 0);
     }
@@ -158,8 +158,8 @@ TEST(SdkResponseStream, DefaultStreamGrowsInMemory) {
 TEST(SdkResponseStream, MoveHandsTheStreamOnAndDestroysItOnce) {
     int destroyed = 0;
     const auto factory = [&destroyed]() -> Aws::IOStream* {
-        return Aws::New<DefaultUnderlyingStream>("test",
-                                                 Aws::New<CountingBuffer>("test", destroyed));
+        return Aws::New<DefaultUnderlyingStream>(
+            "test", Aws::MakeUnique<CountingBuffer>("test", destroyed));
     };
     {
         ResponseStream first(factory);

@@ -57,8 +57,10 @@ protected:
     }
 
     static std::string TextOf(const Model::GetObjectOutcome& outcome) {
+        // Of a constant result, only newer SDKs give the body.
+        auto& result = const_cast<Model::GetObjectResult&>(outcome.GetResult());
         Aws::StringStream text;
-        text << outcome.GetResult().GetBody().rdbuf();
+        text << result.GetBody().rdbuf();
         const Aws::String bytes = text.str();
         return std::string(bytes.begin(), bytes.end());
     }

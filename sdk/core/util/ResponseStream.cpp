@@ -35,10 +35,11 @@ void ResponseStream::Release() noexcept {
 }
 
 DefaultUnderlyingStream::DefaultUnderlyingStream()
-    : DefaultUnderlyingStream(Aws::New<Aws::StringBuf>(kTag)) {
+    : DefaultUnderlyingStream(Aws::MakeUnique<Aws::StringBuf>(kTag)) {
 }
 
-DefaultUnderlyingStream::DefaultUnderlyingStream(std::streambuf* buffer) : Aws::IOStream(buffer) {
+DefaultUnderlyingStream::DefaultUnderlyingStream(Aws::UniquePtr<std::streambuf> buffer)
+    : Aws::IOStream(buffer.release()) {
 }
 
 DefaultUnderlyingStream::~DefaultUnderlyingStream() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <aws/core/utils/memory/AWSMemory.h>
 #include <aws/core/utils/memory/stl/AWSStringStream.h>
 
 #include <functional>
@@ -36,8 +37,7 @@ class DefaultUnderlyingStream : public Aws::IOStream {
 public:
     /// Over a buffer in memory that grows.
     DefaultUnderlyingStream();
-    /// Takes over `buffer`, which was made with Aws::New.
-    explicit DefaultUnderlyingStream(std::streambuf* buffer);
+    DefaultUnderlyingStream(Aws::UniquePtr<std::streambuf> buffer);
     DefaultUnderlyingStream(const DefaultUnderlyingStream&) = delete;
     DefaultUnderlyingStream& operator=(const DefaultUnderlyingStream&) = delete;
     ~DefaultUnderlyingStream() override;
