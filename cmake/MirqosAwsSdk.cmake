@@ -2,6 +2,10 @@
 set(MIRQOS_AWS_SDK "auto" CACHE STRING "AWS SDK for C++: auto, installed or bundled")
 set_property(CACHE MIRQOS_AWS_SDK PROPERTY STRINGS auto installed bundled)
 
+if(NOT MIRQOS_AWS_SDK STREQUAL "bundled")
+  # Packages of static 1.11 SDKs name zlib's target without looking for it.
+  find_package(ZLIB QUIET)
+endif()
 set(MIRQOS_AWS_SDK_USED bundled)
 if(MIRQOS_AWS_SDK STREQUAL "installed")
   find_package(AWSSDK REQUIRED COMPONENTS s3)
