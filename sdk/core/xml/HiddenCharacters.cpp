@@ -12,8 +12,8 @@ namespace {
 
 constexpr auto npos = std::string_view::npos;
 
-/// A hidden character is this mark, its number in hexadecimal digits and a semicolon; so is the mark
-/// itself where a document has it. U+F8FF is for private use, in texts as rare as any.
+/// A hidden character is this mark, its number in hexadecimal digits and a semicolon; so is the
+/// mark itself where a document has it. U+F8FF is for private use, in texts as rare as any.
 constexpr std::string_view kMark = "\xEF\xA3\xBF";
 constexpr std::uint32_t kMarkNumber = 0xF8FF;
 constexpr std::string_view kNoCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
