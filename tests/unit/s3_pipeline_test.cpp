@@ -6,6 +6,7 @@
 #include <aws/s3/model/DeleteObjectRequest.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -197,6 +198,46 @@ TEST(S3Pipeline, BodyOverACallersBufferOfAnySizeIsSent) {
             client.PutObject(Put(Aws::MakeShared<Aws::IOStream>(kTag, &buffer))).IsSuccess());
         EXPECT_EQ(std::string(size, 'b'), network.Requests().at(1).body);
     }
+}
+
+TEST(S3Pipeline, BodyOverACallersBufferIsHashedFromWhereItBegins) {
+    // the digest of "hello" is as well known as any
+    constexpr char kHello[] = "2cf24dba5fb0a30e26e83b2ac5b9e29e1b161e5c1fa7425e73043362938b9824";
+    ScriptedNetwork network({Reply(200)});
+    const S3Client client(kCredentials, Configuration(Aws::Http::Scheme::HTTP));
+    unsigned char bytes[] = {'.', '.', '.', 'h', 'e', 'l', 'l', 'o'};
+    PreallocatedStreamBuf buffer(bytes, sizeof bytes);
+    const auto body = Aws::MakeShared<Aws::IOStream>(kTag, &buffer);
+    body->seekg(3);
+
+    ASSERT_TRUE(client.PutObject(Put(body)).IsSuccess());
+    EXPECT_EQ(kHello, network.Requests().at(0).Header("x-amz-content-sha256"));
+    EXPECT_EQ("hello", network.Requests().at(0).body);
+}
+
+TEST(S3Pipeline, BodyOfADerivedBufferIsHashedAsItReads) {
+    // Reads other bytes than lie in its memory.
+    class Upper : public PreallocatedStreamBuf {
+    public:
+        using PreallocatedStreamBuf::PreallocatedStreamBuf;
+
+    protected:
+        std::streamsize xsgetn(char* to, std::streamsize count) override {
+            const std::streamsize got = PreallocatedStreamBuf::xsgetn(to, count);
+            std::transform(to, to + got, to,
+                           [](char c) { return static_cast<char>(c - 'a' + 'A'); });
+            return got;
+        }
+    };
+    constexpr char kHello[] = "3733cd977ff8eb18b987357e22ced99f46097f31ecb239e878ae63760e83e4d5";
+    ScriptedNetwork network({Reply(200)});
+    const S3Client client(kCredentials, Configuration(Aws::Http::Scheme::HTTP));
+    unsigned char bytes[] = {'h', 'e', 'l', 'l', 'o'};
+    Upper buffer(bytes, sizeof bytes);
+
+    ASSERT_TRUE(client.PutObject(Put(Aws::MakeShared<Aws::IOStream>(kTag, &buffer))).IsSuccess());
+    EXPECT_EQ(kHello, network.Requests().at(0).Header("x-amz-content-sha256"));
+    EXPECT_EQ("HELLO", network.Requests().at(0).body);
 }
 
 TEST(S3Pipeline, SessionTokenIsSentAndSigned) {

@@ -1,7 +1,10 @@
 #include "sdk/core/client/OutgoingBody.h"
 
+#include <aws/core/utils/stream/PreallocatedStreamBuf.h>
+
 #include <algorithm>
 #include <sstream>
+#include <typeinfo>
 #include <vector>
 
 #include "sdk/core/crypto/Hash.h"
@@ -39,10 +42,24 @@ bool OutgoingBody::Rewind() {
     return m_stream->good();
 }
 
+const unsigned char* OutgoingBody::InMemory() const {
+    using Aws::Utils::Stream::PreallocatedStreamBuf;
+    std::streambuf* const buffer = m_stream != nullptr ? m_stream->rdbuf() : nullptr;
+    // exactly this class: one derived from it may read from somewhere else
+    if (buffer == nullptr || typeid(*buffer) != typeid(PreallocatedStreamBuf)) {
+        return nullptr;
+    }
+    return static_cast<PreallocatedStreamBuf*>(buffer)->GetBuffer() + std::streamoff(m_start);
+}
+
 template <typename Hash>
 bool OutgoingBody::Feed(Hash& hash) {
     if (!Rewind()) {
         return false;
+    }
+    if (const unsigned char* const bytes = InMemory()) {
+        hash.Update(bytes, static_cast<std::size_t>(m_length));
+        return true;
     }
     std::vector<char> chunk(static_cast<std::size_t>(
         std::min<std::uint64_t>(kReadBytes, std::max<std::uint64_t>(m_length, 1))));
@@ -60,6 +77,11 @@ bool OutgoingBody::Feed(Hash& hash) {
 }
 
 std::optional<std::string> OutgoingBody::Sha256Hex() {
+    if (m_length == 0) {
+        // that of each request that only asks
+        static const std::string none = Crypto::ToHex(Crypto::Sha256().Finish());
+        return none;
+    }
     Crypto::Sha256 hash;
     if (!Feed(hash)) {
         return std::nullopt;

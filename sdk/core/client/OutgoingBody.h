@@ -28,12 +28,14 @@ public:
     /// Null without a body.
     std::istream* Stream() const { return m_stream.get(); }
 
-    /// The digests read the whole body and leave the stream at its end. Nothing where the stream
-    /// ends early.
+    /// The digests read the whole body and leave the stream anywhere. Nothing where the stream ends
+    /// early.
     std::optional<std::string> Sha256Hex();
     std::optional<std::string> Md5Base64();
 
 private:
+    /// The body's bytes where they can be read without the stream, else null.
+    const unsigned char* InMemory() const;
     template <typename Hash>
     bool Feed(Hash& hash);
 
