@@ -31,11 +31,15 @@ namespace {
 // The response stream's buffer; the bytes live as long as it does.
 class ReadBuffer : public PreallocatedStreamBuf {
 public:
-    explicit ReadBuffer(std::shared_ptr<AsyncReadStatus::Buffer> pBytes)
+    ReadBuffer(std::shared_ptr<AsyncReadStatus> pBatch,
+               std::shared_ptr<AsyncReadStatus::Buffer> pBytes)
         : PreallocatedStreamBuf(pBytes->GetUnderlyingData(), pBytes->GetLength()),
+          m_pBatch(std::move(pBatch)),
           m_pBytes(std::move(pBytes)) {}
+    ~ReadBuffer() override { m_pBatch->TakeBack(*m_pBytes); }
 
 private:
+    std::shared_ptr<AsyncReadStatus> m_pBatch;
     std::shared_ptr<AsyncReadStatus::Buffer> m_pBytes;
 };
 
@@ -74,7 +78,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         request.SetResponseStreamFactory([pTransfer]() -> Aws::IOStream* {
             ModuleLog(&g_ModuleLog, 2, "%s lambda enter.", kOperation);
             const auto nLength = static_cast<size_t>(pTransfer->m_oReadContext.m_nReadLen);
-            auto pBuffer = Aws::MakeUnique<ReadBuffer>(Mirqos::kAllocationTag,
+            auto pBuffer = Aws::MakeUnique<ReadBuffer>(Mirqos::kAllocationTag, pTransfer->m_pBatch,
                                                        pTransfer->m_pBatch->NewBuffer(nLength));
             auto* pStream =
                 Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, std::move(pBuffer));

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "store/AwsSdk.h"
@@ -16,13 +18,24 @@ struct AsyncReadStatus {
 
     /// Receives a body of `nLength` bytes; kept until the wait, and as long as a read uses it.
     std::shared_ptr<Buffer> NewBuffer(size_t nLength) {
-        auto pBuffer = Aws::MakeShared<Buffer>(Mirqos::kAllocationTag, nLength);
+        Buffer spare = TakeSpare(nLength);
+        auto pBuffer = spare.GetLength() != 0
+                           ? Aws::MakeShared<Buffer>(Mirqos::kAllocationTag, std::move(spare))
+                           : Aws::MakeShared<Buffer>(Mirqos::kAllocationTag, nLength);
         const std::lock_guard<std::mutex> lock(m_mtxBuffers);
+        m_vecSpare.reserve(m_vecBuffers.size() + 1);  // taking memory back must not fail
         m_vecBuffers.push_back(pBuffer);
         return pBuffer;
     }
+    /// The read of `buffer` has ended: the next one receives into its memory, which is warm, where
+    /// new memory would cost as much as the bytes that arrive in it.
+    void TakeBack(Buffer& buffer) {
+        const std::lock_guard<std::mutex> lock(m_mtxBuffers);
+        m_vecSpare.push_back(std::move(buffer));
+    }
 
     std::vector<std::shared_ptr<Buffer>> m_vecBuffers;  ///< guarded by m_mtxBuffers
+    std::vector<Buffer> m_vecSpare;                     ///< guarded by m_mtxBuffers
     std::mutex m_mtxBuffers;                            ///< a leaf
     bool m_bWaiting = false;                            ///< guarded by m_mtxStatus
     std::atomic<uint32_t> m_nTotal{0};                  ///< reads started
@@ -31,4 +44,18 @@ struct AsyncReadStatus {
     std::condition_variable m_cvComplete;
     /// Taken inside the store's mutex, never around it.
     std::mutex m_mtxStatus;
+
+private:
+    Buffer TakeSpare(size_t nLength) {
+        const std::lock_guard<std::mutex> lock(m_mtxBuffers);
+        const auto spare =
+            std::find_if(m_vecSpare.begin(), m_vecSpare.end(),
+                         [nLength](const Buffer& buffer) { return buffer.GetLength() == nLength; });
+        if (spare == m_vecSpare.end()) {
+            return Buffer();
+        }
+        Buffer taken = std::move(*spare);
+        m_vecSpare.erase(spare);
+        return taken;
+    }
 };
