@@ -13,7 +13,9 @@ bool IsVisible(char c) {
 }
 
 bool HasLineBreak(const std::string& text) {
-    return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos;
+    // not find_first_of, which searches the set anew for each character: this sees every header
+    return std::any_of(text.begin(), text.end(),
+                       [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
 bool IsHost(const std::string& host) {

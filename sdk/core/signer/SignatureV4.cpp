@@ -31,6 +31,7 @@ std::string Lower(std::string text) {
 /// Without blanks around it, and with runs of blanks inside made one.
 std::string Collapse(std::string_view value) {
     std::string collapsed;
+    collapsed.reserve(value.size());
     for (const char c : value) {
         const bool blank = c == ' ' || c == '\t';
         if (!blank) {
@@ -45,24 +46,41 @@ std::string Collapse(std::string_view value) {
     return collapsed;
 }
 
+struct CanonicalHeaders {
+    std::string lines;
+    std::string names;
+};
+
 /// Lower-case names in order; several values of one name joined in the order they were given.
-std::map<std::string, std::string> CanonicalHeaders(const Http::HeaderList& headers) {
-    std::map<std::string, std::string> canonical;
+CanonicalHeaders Canonical(const Http::HeaderList& headers) {
+    std::map<std::string, std::string> inOrder;
     for (const auto& [name, value] : headers) {
-        const auto [place, isNew] = canonical.try_emplace(Lower(name), Collapse(value));
+        const auto [place, isNew] = inOrder.try_emplace(Lower(name), Collapse(value));
         if (!isNew) {
             place->second.append(",").append(Collapse(value));
         }
     }
+    CanonicalHeaders canonical;
+    for (const auto& [name, value] : inOrder) {
+        canonical.lines.append(name).append(":").append(value).append("\n");
+        canonical.names.append(canonical.names.empty() ? "" : ";").append(name);
+    }
     return canonical;
 }
 
-std::string SignedHeaderNames(const Http::HeaderList& headers) {
-    std::string names;
-    for (const auto& header : CanonicalHeaders(headers)) {
-        names.append(names.empty() ? "" : ";").append(header.first);
+std::string CanonicalText(const Signable& request, const CanonicalHeaders& headers) {
+    std::vector<std::pair<std::string, std::string>> query;
+    for (const auto& [name, value] : request.query) {
+        query.emplace_back(EncodeQuery(name), EncodeQuery(value));
     }
-    return names;
+    std::sort(query.begin(), query.end());
+
+    std::string text = request.method + '\n' + request.path + '\n';
+    for (std::size_t i = 0; i < query.size(); ++i) {
+        text.append(i == 0 ? "" : "&").append(query[i].first).append("=").append(query[i].second);
+    }
+    text.append("\n").append(headers.lines).append("\n").append(headers.names).append("\n");
+    return text + request.payloadHash;
 }
 
 std::string CredentialScope(const std::string& day, const Scope& scope) {
@@ -87,22 +105,7 @@ Http::HeaderList HeadersToSign(const Http::HeaderList& headers) {
 }
 
 std::string CanonicalRequest(const Signable& request) {
-    std::vector<std::pair<std::string, std::string>> query;
-    for (const auto& [name, value] : request.query) {
-        query.emplace_back(EncodeQuery(name), EncodeQuery(value));
-    }
-    std::sort(query.begin(), query.end());
-
-    std::string text = request.method + '\n' + request.path + '\n';
-    for (std::size_t i = 0; i < query.size(); ++i) {
-        text.append(i == 0 ? "" : "&").append(query[i].first).append("=").append(query[i].second);
-    }
-    text += '\n';
-    for (const auto& [name, value] : CanonicalHeaders(request.headers)) {
-        text.append(name).append(":").append(value).append("\n");
-    }
-    text.append("\n").append(SignedHeaderNames(request.headers)).append("\n");
-    return text + request.payloadHash;
+    return CanonicalText(request, Canonical(request.headers));
 }
 
 std::string StringToSign(const std::string& canonicalRequest, const Scope& scope) {
@@ -117,10 +120,11 @@ SignatureV4::SignatureV4(std::string accessKeyId, std::string secretKey)
 std::string SignatureV4::Authorization(const Signable& request, const Scope& scope) const {
     const std::string day = Day(scope);
     const Crypto::Sha256Digest key = SigningKey(day, scope);
-    const std::string signature =
-        Crypto::ToHex(Hmac(key.data(), key.size(), StringToSign(CanonicalRequest(request), scope)));
+    const CanonicalHeaders headers = Canonical(request.headers);
+    const std::string signature = Crypto::ToHex(
+        Hmac(key.data(), key.size(), StringToSign(CanonicalText(request, headers), scope)));
     return std::string(kAlgorithm) + " Credential=" + m_accessKeyId + '/' +
-           CredentialScope(day, scope) + ", SignedHeaders=" + SignedHeaderNames(request.headers) +
+           CredentialScope(day, scope) + ", SignedHeaders=" + headers.names +
            ", Signature=" + signature;
 }
 

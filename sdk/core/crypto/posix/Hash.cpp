@@ -1,9 +1,9 @@
 #include "sdk/core/crypto/Hash.h"
 
+#include <openssl/core_names.h>
 #include <openssl/evp.h>
-#include <openssl/hmac.h>
+#include <openssl/params.h>
 
-#include <climits>
 #include <new>
 #include <stdexcept>
 
@@ -32,6 +32,25 @@ void Check(int result) {
     if (result != 1) {
         throw std::runtime_error("OpenSSL could not compute a digest");
     }
+}
+
+/// HMAC-SHA256 without a key yet, to be copied: to find and to set it up costs several times what
+/// the digest of a short text does. Kept like the digests.
+const EVP_MAC_CTX* KeylessHmac() {
+    static const EVP_MAC_CTX* const keyless = [] {
+        EVP_MAC* const hmac = EVP_MAC_fetch(nullptr, "HMAC", nullptr);
+        EVP_MAC_CTX* const context = EVP_MAC_CTX_new(hmac);
+        EVP_MAC_free(hmac);  // the context holds it
+        char name[] = "SHA2-256";
+        const OSSL_PARAM parameters[] = {
+            OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, name, 0),
+            OSSL_PARAM_construct_end()};
+        if (context == nullptr || EVP_MAC_CTX_set_params(context, parameters) != 1) {
+            throw std::runtime_error("OpenSSL offers no HMAC-SHA256");
+        }
+        return context;
+    }();
+    return keyless;
 }
 
 }  // namespace
@@ -67,16 +86,20 @@ void HashState::Finish(std::uint8_t* digest, std::size_t size) {
 }
 
 Sha256Digest HmacSha256(const void* key, std::size_t keySize, const void* data, std::size_t size) {
-    if (keySize > INT_MAX) {
-        throw std::runtime_error("HMAC key too long");
+    const std::unique_ptr<EVP_MAC_CTX, decltype(&EVP_MAC_CTX_free)> context(
+        EVP_MAC_CTX_dup(KeylessHmac()), &EVP_MAC_CTX_free);
+    if (context == nullptr) {
+        throw std::bad_alloc();
     }
     // A null key would mean "the key of the last call".
-    static constexpr char none = 0;
+    static constexpr unsigned char none = 0;
+    Check(EVP_MAC_init(context.get(), keySize == 0 ? &none : static_cast<const unsigned char*>(key),
+                       keySize, nullptr));
+    Check(EVP_MAC_update(context.get(), static_cast<const unsigned char*>(data), size));
     Sha256Digest digest;
-    unsigned written = 0;
-    if (HMAC(DigestOf(Algorithm::sha256), keySize == 0 ? &none : key, static_cast<int>(keySize),
-             static_cast<const unsigned char*>(data), size, digest.data(), &written) == nullptr ||
-        written != digest.size()) {
+    std::size_t written = 0;
+    Check(EVP_MAC_final(context.get(), digest.data(), &written, digest.size()));
+    if (written != digest.size()) {
         throw std::runtime_error("OpenSSL could not compute an HMAC");
     }
     return digest;
