@@ -3,6 +3,13 @@
 #include "sdk/core/xml/HiddenCharacters.h"
 
 namespace Mirqos::Xml {
+namespace {
+
+/// An entry of a listing has some five children, and growing into them one by one takes longer than
+/// to parse them.
+constexpr std::size_t kUsualChildren = 8;
+
+}  // namespace
 
 bool TreeBuilder::Refuse(const char* why) {
     m_error = why;
@@ -47,7 +54,11 @@ bool TreeBuilder::End() {
         m_root = std::move(done);
     } else {
         m_open.back().text.clear();
-        m_open.back().children.push_back(std::move(done));
+        std::vector<Element>& children = m_open.back().children;
+        if (children.empty()) {
+            children.reserve(kUsualChildren);
+        }
+        children.push_back(std::move(done));
     }
     return true;
 }
