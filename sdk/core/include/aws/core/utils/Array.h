@@ -17,7 +17,9 @@ public:
         : m_size(arraySize), m_data(arraySize > 0 ? std::make_unique<T[]>(arraySize) : nullptr) {}
 
     /// A copy of the `arraySize` elements at `arrayToCopy`.
-    Array(const T* arrayToCopy, std::size_t arraySize) : Array(arraySize) {
+    Array(const T* arrayToCopy, std::size_t arraySize)
+        : m_size(arraySize), m_data(arraySize > 0 ? new T[arraySize] : nullptr) {
+        // not filled with zeros first: the body of a part is some MiB
         std::copy_n(arrayToCopy, arraySize, m_data.get());
     }
 
