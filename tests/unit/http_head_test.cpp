@@ -65,17 +65,27 @@ TEST(HeadReader, TakesExactlyTheBound) {
 
 TEST(HeadReader, RefusesWhatItCannotRead) {
     for (const char* const head :
-         {"\r\n", "HTTP/2 200\r\n\r\n", "HTTP/1.1  200 OK\r\n\r\n", "HTTP/1.1 2000\r\n\r\n",
-          "HTTP/1.1 099 X\r\n\r\n", "http/1.1 200 OK\r\n\r\n",
-          "HTTP/1.1 101 Switching Protocols\r\n\r\n", "HTTP/1.1 200 OK\r\n: v\r\n\r\n",
-          "HTTP/1.1 200 OK\r\n a: b\r\n\r\n", "HTTP/1.1 200 OK\r\na : b\r\n\r\n",
-          "HTTP/1.1 200 OK\r\na: b\rc\r\n\r\n", "HTTP/1.1 200 OK\r\nab\r\n\r\n",
+         {"\r\n",
+          "HTTP/2 200\r\n\r\n",
+          "HTTP/1.1  200 OK\r\n\r\n",
+          "HTTP/1.1 2000\r\n\r\n",
+          "HTTP/1.1 099 X\r\n\r\n",
+          "http/1.1 200 OK\r\n\r\n",
+          "HTTP/1.1 101 Switching Protocols\r\n\r\n",
+          "HTTP/1.1 200 OK\r\n: v\r\n\r\n",
+          "HTTP/1.1 200 OK\r\n a: b\r\n\r\n",
+          "HTTP/1.1 200 OK\r\na : b\r\n\r\n",
+          "HTTP/1.1 200 OK\r\na: b\rc\r\n\r\n",
+          "HTTP/1.1 200 OK\r\na: b\nc: d\r\n\r\n",
+          "HTTP/1.1 200 O\nK\r\n\r\n",
+          "HTTP/1.1 200 OK\r\nab\r\n\r\n",
           "HTTP/1.1 200 OK\r\nContent-Length:\r\n\r\n",
           "HTTP/1.1 200 OK\r\nContent-Length: +1\r\n\r\n",
           "HTTP/1.1 200 OK\r\nContent-Length: 0x1\r\n\r\n",
           "HTTP/1.1 200 OK\r\ncontent-length: 1\r\nCONTENT-LENGTH: 1\r\n\r\n",
           "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n\r\n",
-          "HTTP/1.1 200 OK\r\na: b\r\n", "HTTP/1.1 200 OK\r\na: b"}) {
+          "HTTP/1.1 200 OK\r\na: b\r\n",
+          "HTTP/1.1 200 OK\r\na: b"}) {
         HeadReader reader;
         EXPECT_EQ(reader.AddHead(head), State::refused) << head;
         EXPECT_NE(reader.Error(), "") << head;

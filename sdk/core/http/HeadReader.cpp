@@ -29,6 +29,10 @@ HeadReader::State HeadReader::AddLine(std::string_view line) {
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
+    if (line.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
+        // other readers end the line there
+        return Refuse("the answer's head holds a control character");
+    }
     if (!m_statusRead) {
         return AddStatusLine(line);
     }
@@ -68,11 +72,7 @@ HeadReader::State HeadReader::AddHeader(std::string_view line) {
     if (colon == std::string_view::npos || !IsToken(line.substr(0, colon))) {
         return Refuse("the answer's head holds a line that is not a header");
     }
-    const std::string_view value = TrimBlanks(line.substr(colon + 1));
-    if (value.find_first_of(std::string_view("\r\0", 2)) != std::string_view::npos) {
-        return Refuse("a header of the answer holds a control character");
-    }
-    m_head.headers.emplace_back(line.substr(0, colon), value);
+    m_head.headers.emplace_back(line.substr(0, colon), TrimBlanks(line.substr(colon + 1)));
     return m_state;
 }
 
