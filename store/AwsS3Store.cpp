@@ -8,6 +8,7 @@
 #include "exec/AwsS3BackupExecutor.h"
 #include "log/ModuleLog.h"
 #include "store/ClientChecksums.h"
+#include "store/InstanceMetadata.h"
 #include "store/ObjectKey.h"
 
 namespace {
@@ -57,7 +58,8 @@ int32_t AwsS3Store::Init(CloudStoreConfigInfo* pConfig) {
 }
 
 int32_t AwsS3Store::BuildClient() {
-    Aws::Client::ClientConfiguration configuration;
+    auto configuration =
+        Mirqos::ConfigurationWithoutInstanceMetadata<Aws::Client::ClientConfiguration>();
     Aws::Auth::AWSCredentials credentials;
     credentials.SetAWSSecretKey(m_strSecretKey.c_str());
     credentials.SetAWSAccessKeyId(m_strAccessKeyId.c_str());
