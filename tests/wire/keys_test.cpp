@@ -1,6 +1,11 @@
+#include <cctype>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "tests/wire/WireTest.h"
+#include "tests/support/KeyCorpus.h"
+#include "tests/wire/AsyncReadTest.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -118,6 +123,181 @@ TEST_P(Keys, AnEmptyKeyIsRefusedAndNeverBecomesARequestOnTheBucket) {
     EXPECT_EQ(Read(*store, "").status, StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
     EXPECT_EQ(Delete(*store, ""), StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
     EXPECT_TRUE(m_server.Requests().empty());
+}
+
+/// The text that stands percent-encoded in `wire`, where nothing but letters, digits, "-", ".",
+/// "_",
+/// "~" and "/" may stand as it is; nothing for any other text. So each key has one form on the
+/// wire.
+std::optional<std::string> Decoded(const std::string& wire) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string key;
+    for (std::size_t i = 0; i < wire.size(); ++i) {
+        if (wire[i] != '%') {
+            const auto c = static_cast<unsigned char>(wire[i]);
+            if (c >= 0x80 ||
+                (std::isalnum(c) == 0 && std::string("-._~/").find(wire[i]) == wire.npos)) {
+                return std::nullopt;
+            }
+            key += wire[i];
+            continue;
+        }
+        const std::string hexadecimal = wire.substr(i + 1, 2);
+        if (hexadecimal.size() != 2 || hexadecimal.find_first_not_of(digits) != wire.npos) {
+            return std::nullopt;
+        }
+        key += static_cast<char>(std::stoi(hexadecimal, nullptr, 16));
+        i += 2;
+    }
+    return key;
+}
+
+const std::vector<std::string>& EveryKey() {
+    static const std::vector<std::string> keys = [] {
+        std::vector<std::string> all = KeyCorpus();
+        const std::vector<std::string> improper = ImproperKeys();
+        all.insert(all.end(), improper.begin(), improper.end());
+        return all;
+    }();
+    return keys;
+}
+
+/// Every operation that names an object, with every key, for the provider types that send keys as
+/// they are and those that do not.
+class Corpus : public AsyncRead, public testing::WithParamInterface<std::int32_t> {
+protected:
+    std::string Sent(const std::string& key) const {
+        return GetParam() == 5 || GetParam() == 6 ? WithPlusForAt(key) : key;
+    }
+    std::unique_ptr<AwsS3Store> MakeProviderStore() {
+        Setup setup;
+        setup.provider = GetParam();
+        return MakeStore(setup);
+    }
+    /// For each key in order, `each` requests named it, and those with a source named `sourceOf`
+    /// it.
+    template <class SourceOf>
+    void ExpectNamed(const std::vector<std::string>& keys, std::size_t each, SourceOf&& sourceOf) {
+        const std::vector<RecordedRequest> requests = m_server.Requests();
+        ASSERT_EQ(requests.size(), each * keys.size());
+        for (std::size_t i = 0; i < requests.size(); ++i) {
+            const RecordedRequest& request = requests[i];
+            const std::string& key = keys[i / each];
+            SCOPED_TRACE(testing::PrintToString(key));
+            EXPECT_EQ(Decoded(request.target.substr(0, request.target.find('?'))),
+                      "/the-bucket/" + Sent(key));
+            EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
+            if (const std::string* const source = request.Header("x-amz-copy-source")) {
+                EXPECT_EQ(Decoded(*source), "source-bucket/" + sourceOf(key));
+            }
+        }
+    }
+    void ExpectNamed(const std::vector<std::string>& keys, std::size_t each) {
+        ExpectNamed(keys, each, [](const std::string& key) { return key; });
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Types, Corpus, testing::Values(0, 5, 6),
+                         [](const auto& info) { return "Type" + std::to_string(info.param); });
+
+TEST_P(Corpus, IsNamedExactlyByEveryOperationOnAnObject) {
+    m_server.On("PUT", "/").Always(Answer::Status(200));
+    m_server.On("HEAD", "/").Always(Answer::Status(200));
+    m_server.On("GET", "/").Always(Answer::Status(206).Body("v"));
+    m_server.On("DELETE", "/").Always(Answer::Status(204));
+    const auto store = MakeProviderStore();
+    for (const std::string& key : EveryKey()) {
+        ASSERT_EQ(Write(*store, key, "v"), 0) << testing::PrintToString(key);
+        ASSERT_EQ(Read(*store, key).Delivered(), "v") << testing::PrintToString(key);
+        CloudStoreHeadObjectConext head;
+        head.m_pszBucket = kBucket;
+        head.m_pszKey = key.c_str();
+        ASSERT_EQ(store->HeadObject(&head), 0) << testing::PrintToString(key);
+        ASSERT_EQ(Delete(*store, key), 0) << testing::PrintToString(key);
+    }
+    ExpectNamed(EveryKey(), 4);
+}
+
+TEST_P(Corpus, IsNamedExactlyByAsynchronousReads) {
+    m_server.On("GET", "/").Always(Answer::Status(206).Body("0123456789"));
+    const auto store = MakeProviderStore();
+    for (const std::string& key : EveryKey()) {
+        OneRead read(0, 10, key.c_str());
+        ASSERT_EQ(store->ReadObjectAsync(&read.context), 0);
+        ASSERT_EQ(store->WaitForReadObjectAsync(&read.context), 0) << testing::PrintToString(key);
+    }
+    ExpectNamed(EveryKey(), 1);
+}
+
+TEST_P(Corpus, IsNamedExactlyBothAsTheSourceAndTheTargetOfACopy) {
+    m_server.On("PUT", "/")
+        .Always(
+            Answer::Status(200).Body("<CopyObjectResult><ETag>\"e\"</ETag></CopyObjectResult>"));
+    const auto store = MakeProviderStore();
+    for (const std::string& key : EveryKey()) {
+        CloudStoreCopyObjectContext copy;
+        copy.m_pszSrcBucket = "source-bucket";
+        copy.m_pszDstBucket = kBucket;
+        copy.m_pszSrcKey = key.c_str();
+        copy.m_pszDstKey = key.c_str();
+        copy.m_nSrcSize = 1;
+        ASSERT_EQ(store->CopyObject(&copy), 0) << testing::PrintToString(key);
+    }
+    ExpectNamed(EveryKey(), 1, [this](const std::string& key) { return Sent(key); });
+}
+
+/// The source of a copied part is passed on as the caller gave it. Some of the steps wait for each
+/// other's packets under Wine, so each type has an eighth of the keys.
+TEST_P(Corpus, IsNamedExactlyByEveryStepOfAnUpload) {
+    const auto store = MakeProviderStore();
+    std::vector<std::string> keys;
+    for (std::size_t i = static_cast<std::size_t>(GetParam()); i < EveryKey().size(); i += 8) {
+        keys.push_back(EveryKey()[i]);
+    }
+    for (const std::string& key : keys) {
+        m_server.Next(
+            Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>u</UploadId>"
+                                     "</InitiateMultipartUploadResult>"));
+        m_server.Next(Answer::Status(200).Header("ETag", "\"e\""));
+        m_server.Next(
+            Answer::Status(200).Body("<CopyPartResult><ETag>\"e\"</ETag></CopyPartResult>"));
+        m_server.Next(Answer::Status(204));
+        m_server.Next(Answer::Status(200).Body("<CompleteMultipartUploadResult/>"));
+        CloudStoreInitMultiPartUploadContext init;
+        init.m_pszBucket = kBucket;
+        init.m_pszKey = key.c_str();
+        CloudStoreInitMultiPartUploadOutcome opened;
+        ASSERT_EQ(store->InitMultiPartUpload(&init, &opened), 0) << testing::PrintToString(key);
+        const unsigned char byte = 'v';
+        CloudStoreMultiPartUploadContext part;
+        part.m_pszUploadId = "u";
+        part.m_pszBucket = kBucket;
+        part.m_pszKey = key.c_str();
+        part.m_nPartNumber = 1;
+        part.m_pBuf = &byte;
+        part.m_nBufLen = 1;
+        ASSERT_EQ(store->MultiPartUpload(&part), 0) << testing::PrintToString(key);
+        const std::string source = "source-bucket/" + key;
+        CloudStoreMultiPartCopyContext copy;
+        copy.m_pszUploadId = "u";
+        copy.m_pszBucket = kBucket;
+        copy.m_pszKey = key.c_str();
+        copy.m_pszCopySource = source.c_str();
+        copy.m_nPartNumber = 2;
+        ASSERT_EQ(store->MultiPartCopy(&copy), 0) << testing::PrintToString(key);
+        CloudStoreAbortMultiPartUploadContext abort;
+        abort.m_pszUploadId = "u";
+        abort.m_pszBucket = kBucket;
+        abort.m_pszKey = key.c_str();
+        ASSERT_EQ(store->AbortMultiPartUpload(&abort), 0) << testing::PrintToString(key);
+        CloudStoreFinishMultiPartUploadContext finish;
+        finish.m_pszUploadId = "u";
+        finish.m_pszBucket = kBucket;
+        finish.m_pszKey = key.c_str();
+        finish.m_nPartCount = 2;
+        ASSERT_EQ(store->FinishMultiPartUpload(&finish), 0) << testing::PrintToString(key);
+    }
+    ExpectNamed(keys, 5);
 }
 
 class Provider : public WireTest, public testing::WithParamInterface<std::int32_t> {

@@ -1,16 +1,15 @@
-#include <algorithm>
 #include <set>
 #include <string>
 
 #include "store/ObjectKey.h"
-#include "tests/service/KeyShapes.h"
 #include "tests/service/posix/AwsCli.h"
+#include "tests/support/KeyCorpus.h"
 
 namespace {
 
 using Mirqos::Test::AwsCli;
 using Mirqos::Test::Bytes;
-using Mirqos::Test::KeyShapes;
+using Mirqos::Test::KeyCorpus;
 using Mirqos::Test::ReadAttempt;
 using Mirqos::Test::ServiceTest;
 using Mirqos::Test::SomeBytes;
@@ -51,7 +50,7 @@ TEST_F(OtherClient, WritesWhatTheLibraryReads) {
 TEST_F(OtherClient, ListsEveryKeyAsTheLibraryWasGivenIt) {
     const auto store = NewStore(Config());
     std::set<std::string> written;
-    for (const std::string& key : KeyShapes()) {
+    for (const std::string& key : KeyCorpus()) {
         EXPECT_EQ(Write(*store, key, SomeBytes(10)), 0) << key;
         written.insert(key);
     }
@@ -63,10 +62,9 @@ TEST_F(OtherClient, ListsPlusSignsForAtSignsOnProviderType5) {
     config.m_nProviderType = Mirqos::ProviderType::kPlusForAt;
     const auto store = NewStore(config);
     std::set<std::string> expected;
-    for (std::string key : KeyShapes()) {
+    for (const std::string& key : KeyCorpus()) {
         EXPECT_EQ(Write(*store, key, SomeBytes(10)), 0) << key;
-        std::replace(key.begin(), key.end(), '@', '+');
-        expected.insert(key);
+        expected.insert(Mirqos::Test::WithPlusForAt(key));
     }
     EXPECT_EQ(List(), expected);
 }
