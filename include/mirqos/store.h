@@ -71,7 +71,9 @@ public:
     virtual std::int32_t ReleaseObjectData(CloudStoreListObjectConext* context) = 0;
 
     virtual std::int32_t DeleteObject(CloudStoreDeleteObjectContext* context) = 0;
-    /// Deletes a list of objects.
+    /// Deletes a list of objects. A key with a control character other than tab and line ends,
+    /// which the request's document cannot hold, may have the service refuse the whole list:
+    /// DeleteObject takes such keys.
     virtual std::int32_t DeleteObjectsV2(CloudStoreDeleteObjectsContextV2* context) = 0;
 
     virtual std::int32_t CreateBucket(CloudStoreCreateBucketContext* context) = 0;
