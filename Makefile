@@ -24,8 +24,8 @@ faults: deps ## put every operation through every fault of the network (PRESET=l
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
 
-bench: deps ## measure what a log line costs and print a table
-	@scripts/bench
+bench: deps ## measure the library beside its floor and its peers (ONLY=log|store, ROWS=pattern)
+	@scripts/bench "$(ONLY)" "$(ROWS)"
 
 format: deps ## lay out the sources as .clang-format says
 	@scripts/format fix

@@ -1,13 +1,10 @@
 #include "bench/Comparison.h"
 
-#include <windows.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <iterator>
 #include <vector>
-
-#include "platform/undo_windows_macros.h"
 
 namespace Mirqos::Bench {
 namespace {
@@ -16,7 +13,7 @@ constexpr int kRounds = 31;
 
 struct Pair {
     double m_floor;
-    double m_log;
+    double m_ours;
 };
 
 template <typename Value>
@@ -30,16 +27,14 @@ double MedianOf(const std::vector<Pair>& pairs, Value value) {
 }  // namespace
 
 double Now() {
-    LARGE_INTEGER frequency = {};
-    LARGE_INTEGER now = {};
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&now);
-    return static_cast<double>(now.QuadPart) * 1e6 / static_cast<double>(frequency.QuadPart);
+    const std::chrono::duration<double, std::micro> now =
+        std::chrono::steady_clock::now().time_since_epoch();
+    return now.count();
 }
 
-void PrintHeading(const char* pszTitle) {
+void PrintHeading(const char* pszTitle, const char* pszOurs) {
     std::printf("%s, medians of %d runs by turns\n", pszTitle, kRounds);
-    std::printf("%-28s %11s %11s %7s\n", "", "floor", "log", "ratio");
+    std::printf("%-28s %11s %11s %7s\n", "", "floor", pszOurs, "ratio");
 }
 
 void PrintRow(const char* pszName, const std::function<double(bool bFloor)>& measure) {
@@ -48,13 +43,13 @@ void PrintRow(const char* pszName, const std::function<double(bool bFloor)>& mea
     for (Pair& pair : pairs) {
         bFloorFirst = !bFloorFirst;
         for (const bool bFloor : {bFloorFirst, !bFloorFirst}) {
-            (bFloor ? pair.m_floor : pair.m_log) = measure(bFloor);
+            (bFloor ? pair.m_floor : pair.m_ours) = measure(bFloor);
         }
     }
     std::printf("%-28s %8.1f us %8.1f us %7.2f\n", pszName,
                 MedianOf(pairs, [](const Pair& pair) { return pair.m_floor; }),
-                MedianOf(pairs, [](const Pair& pair) { return pair.m_log; }),
-                MedianOf(pairs, [](const Pair& pair) { return pair.m_log / pair.m_floor; }));
+                MedianOf(pairs, [](const Pair& pair) { return pair.m_ours; }),
+                MedianOf(pairs, [](const Pair& pair) { return pair.m_ours / pair.m_floor; }));
     std::fflush(stdout);
 }
 

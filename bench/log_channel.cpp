@@ -111,7 +111,7 @@ int main() try {
     if (nArguments == 2) {
         return static_cast<int>(View(SharedSignal(ppszArguments[1])));
     }
-    Mirqos::Bench::PrintHeading("cost of a line in the live channel");
+    Mirqos::Bench::PrintHeading("cost of a line in the live channel", "log");
     Mirqos::Bench::PrintRow("no viewer", &MeasureWithoutViewer);
     std::size_t nBehind = 0;
     Mirqos::Bench::PrintRow("a viewer that keeps up",

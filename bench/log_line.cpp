@@ -154,7 +154,7 @@ int main() {
     if (nArguments == 6) {
         return RunAsProcess(ppszArguments);
     }
-    Mirqos::Bench::PrintHeading("cost of a line in a log file");
+    Mirqos::Bench::PrintHeading("cost of a line in a log file", "log");
     PrintRow("one writer", [](bool bFloor) { return MeasureOneWriter(bFloor, kWrittenLevel); });
     PrintRow("one writer, above the level",
              [](bool bFloor) { return MeasureOneWriter(bFloor, kDroppedLevel); });
