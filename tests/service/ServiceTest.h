@@ -5,12 +5,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/service/S3Server.h"
 #include "tests/support/RecordingOutput.h"
+#include "tests/support/StorePointer.h"
 
 namespace Mirqos::Test {
 
@@ -37,12 +37,6 @@ struct ReadAttempt {
     /// No byte of m_pBuf beyond the delivered ones was written.
     bool RestLeftAlone() const;
 };
-
-/// Releases a store through the library, as hosts do.
-struct StoreRelease {
-    void operator()(MIRQOSInterface* store) const { ReleaseCloudStoreInterface(store); }
-};
-using StorePointer = std::unique_ptr<MIRQOSInterface, StoreRelease>;
 
 /// Base of the tests against the real server: the library is started, its log recorded without the
 /// SDK's own statements, and one bucket exists that only this test uses.
