@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 /// What this process holds of the system right now; -1 where it could not be asked.
 struct ProcessFigures {
@@ -11,3 +12,9 @@ struct ProcessFigures {
 };
 
 ProcessFigures MeasureProcess();
+
+inline std::string Describe(const ProcessFigures& figures) {
+    return std::to_string(figures.handles) + " handles, " + std::to_string(figures.freeTls) +
+           " free TLS indexes, " + std::to_string(figures.memoryBytes / 1024) + " KiB, " +
+           std::to_string(figures.threads) + " threads";
+}

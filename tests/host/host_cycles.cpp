@@ -43,13 +43,6 @@ void* RunCycle(Checks& checks, const char* path) {
     return library.Handle();
 }
 
-void Print(const char* when, const ProcessFigures& figures) {
-    std::printf("%s: %lld handles, %lld free TLS indexes, %lld KiB, %lld threads\n", when,
-                static_cast<long long>(figures.handles), static_cast<long long>(figures.freeTls),
-                static_cast<long long>(figures.memoryBytes / 1024),
-                static_cast<long long>(figures.threads));
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -72,14 +65,14 @@ int main(int argc, char** argv) {
     for (int cycle = 1; cycle < cycles && module != nullptr; ++cycle) {
         if (cycle == kWarmUpCycles) {
             warm = MeasureProcess();
-            Print("warm", warm);
+            std::printf("warm: %s\n", Describe(warm).c_str());
         }
         if (!checks.Expect(RunCycle(checks, argv[1]) == module, "the same module each time")) {
             break;
         }
     }
     const ProcessFigures end = MeasureProcess();
-    Print("end", end);
+    std::printf("end: %s\n", Describe(end).c_str());
     checks.Expect(warm.handles > 0 && warm.freeTls > 0 && warm.memoryBytes > 0 && warm.threads > 0,
                   "every figure is known");
     checks.Expect(end.handles <= warm.handles + kHandleSlack, "handles are flat");

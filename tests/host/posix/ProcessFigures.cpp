@@ -1,5 +1,6 @@
 #include "ProcessFigures.h"
 
+#include <malloc.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -29,6 +30,9 @@ std::int64_t FreeTls() {
 }
 
 std::int64_t MemoryBytes() {
+    // What was freed and is only kept for later goes back first: how much that is depends on how
+    // threads came by each other.
+    malloc_trim(0);
     std::int64_t totalPages = 0;
     std::int64_t residentPages = -1;
     std::ifstream("/proc/self/statm") >> totalPages >> residentPages;
