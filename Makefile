@@ -1,6 +1,6 @@
 # The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
 .DEFAULT_GOAL := help
-.PHONY: help deps test demo dist fuzz bench format lint clean
+.PHONY: help deps test demo dist faults soak fuzz bench format lint clean
 .NOTPARALLEL:
 
 help: ## this list
@@ -20,6 +20,9 @@ dist: deps ## build the product and pack it: build/dist/mirqos-VERSION-windows-x
 
 faults: deps ## put every operation through every fault of the network (PRESET=linux-release)
 	@scripts/faults $(PRESET)
+
+soak: deps ## half an hour of work over a failing network (MINUTES=30 PRESET=linux-release SEED=...)
+	@scripts/soak $(or $(MINUTES),30) $(or $(PRESET),linux-release) $(SEED)
 
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)

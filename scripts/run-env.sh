@@ -17,10 +17,11 @@ stage() {
     printf '\n==== [%s] %s\n' "$(elapsed)" "$*"
 }
 
-# start_s3 DIR: a server that lives as long as this script does, two hours at most.
+# start_s3 DIR [MINUTES]: a server that lives as long as this script does, two hours at most unless
+# told.
 start_s3() {
     s3_dir=$1
-    "$root/tests/service/rgw" up "$s3_dir" --owner $$ --minutes 120
+    "$root/tests/service/rgw" up "$s3_dir" --owner $$ --minutes "${2:-120}"
     set -a
     . "$s3_dir/env"
     set +a
