@@ -70,11 +70,15 @@ int32_t PackTags(const Tags& tags, Mirqos::PackedTextWriter& list) {
 int32_t AwsS3Store::PutObjectTagging(PutObjectTaggingContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     ++m_nRequestCount;
-    Aws::S3::Model::Tagging tagging;
+    Tags tags;
     Mirqos::PackedTextReader entries(pContext->m_pTags);
     for (std::string_view entry; entries.Next(entry);) {
-        tagging.AddTagSet(TagOfEntry(entry));
+        tags.push_back(TagOfEntry(entry));
     }
+    // Set as a whole: a set that no tag was ever added to is not sent, and the service refuses
+    // that.
+    Aws::S3::Model::Tagging tagging;
+    tagging.SetTagSet(tags);
     Aws::S3::Model::PutObjectTaggingRequest request;
     request.SetBucket(pContext->m_pszBucket);
     // Tagging takes the key as it is, without the substitution of the other operations.
@@ -88,7 +92,7 @@ int32_t AwsS3Store::PutObjectTagging(PutObjectTaggingContext* pContext) {
                   outcome.GetError().GetMessage().c_str());
         return nStatus;
     }
-    LogTags("PutObjectTagging", tagging.GetTagSet());
+    LogTags("PutObjectTagging", tags);
     return 0;
 }
 

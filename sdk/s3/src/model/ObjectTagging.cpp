@@ -21,8 +21,11 @@ void Tag::Write(Mirqos::Xml::Writer& writer) const {
 }
 
 void Tagging::Write(Mirqos::Xml::Writer& writer) const {
+    if (!m_tagSetHasBeenSet) {
+        return;
+    }
     writer.Open("TagSet");
-    for (const auto& tag : GetTagSet()) {
+    for (const auto& tag : m_tagSet) {
         tag.Write(writer);
     }
     writer.Close();

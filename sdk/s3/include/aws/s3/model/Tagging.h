@@ -15,9 +15,9 @@ namespace Aws::S3::Model {
 class Tagging {
 public:
     const Aws::Vector<Tag>& GetTagSet() const { return m_tagSet; }
-    Tagging& AddTagSet(Tag value) {
-        m_tagSet.push_back(std::move(value));
-        return *this;
+    void SetTagSet(Aws::Vector<Tag> value) {
+        m_tagSetHasBeenSet = true;
+        m_tagSet = std::move(value);
     }
 
     /// Inside this layer: writes the members that have been set.
@@ -25,6 +25,7 @@ public:
 
 private:
     Aws::Vector<Tag> m_tagSet;
+    bool m_tagSetHasBeenSet = false;
 };
 
 }  // namespace Aws::S3::Model
