@@ -35,7 +35,7 @@ public:
 
     /// Copies the configuration and makes the store usable; needs a started library. A second call
     /// replaces the work buffer and every text that is not null, and the client of the first call
-    /// lives on until the process ends. Returns 0.
+    /// lives on until the process ends. Returns 0; an allocation failure leaves as std::bad_alloc.
     virtual std::int32_t Init(CloudStoreConfigInfo* config) = 0;
 
     // The store's own copies: valid until the next Init or the store's destruction, never null.

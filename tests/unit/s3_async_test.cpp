@@ -1,7 +1,21 @@
 #include <aws/core/utils/threading/Executor.h>
+#include <aws/s3/model/AbortMultipartUploadRequest.h>
+#include <aws/s3/model/CompleteMultipartUploadRequest.h>
+#include <aws/s3/model/CopyObjectRequest.h>
 #include <aws/s3/model/CreateBucketRequest.h>
+#include <aws/s3/model/CreateMultipartUploadRequest.h>
+#include <aws/s3/model/DeleteBucketRequest.h>
 #include <aws/s3/model/DeleteObjectRequest.h>
+#include <aws/s3/model/DeleteObjectsRequest.h>
+#include <aws/s3/model/GetBucketLocationRequest.h>
+#include <aws/s3/model/GetObjectTaggingRequest.h>
 #include <aws/s3/model/HeadBucketRequest.h>
+#include <aws/s3/model/HeadObjectRequest.h>
+#include <aws/s3/model/ListMultipartUploadsRequest.h>
+#include <aws/s3/model/ListObjectsV2Request.h>
+#include <aws/s3/model/PutBucketLifecycleConfigurationRequest.h>
+#include <aws/s3/model/PutObjectTaggingRequest.h>
+#include <aws/s3/model/UploadPartCopyRequest.h>
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -13,6 +27,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "tests/support/S3Calls.h"
 #include "tests/support/ScriptedTransport.h"
@@ -29,6 +44,7 @@ using Aws::S3::Model::PutObjectOutcome;
 using Aws::S3::Model::PutObjectRequest;
 using Aws::Utils::Threading::Executor;
 using Mirqos::ToStd;
+using testing::ElementsAre;
 using testing::SizeIs;
 using namespace Mirqos::Test;
 
@@ -116,6 +132,75 @@ TEST(S3Async, EveryOperationAnswersOnceAmongManyThreads) {
     }
     EXPECT_EQ(5 * kRounds, successes.load());
     EXPECT_THAT(network.Requests(), SizeIs(5 * kRounds + 1));
+}
+
+template <typename Request>
+Request OfBucket() {
+    Request request;
+    request.SetBucket("bucket");
+    return request;
+}
+
+template <typename Request>
+Request OfKey() {
+    auto request = OfBucket<Request>();
+    request.SetKey("key");
+    return request;
+}
+
+template <typename Request>
+Request OfUpload() {
+    auto request = OfKey<Request>();
+    request.SetUploadId("id");
+    return request;
+}
+
+TEST(S3Async, EveryOperationHasAFormThatIsAnsweredLater) {
+    namespace Model = Aws::S3::Model;
+    ScriptedNetwork network({ErrorReply(403, "AccessDenied", "no")});
+    const auto executor = std::make_shared<QueueExecutor>();
+    const S3Client client(kCredentials, With(executor));
+    int refused = 0;
+    const auto handler = [&](const S3Client* caller, const auto&, const auto& outcome,
+                             const ContextPtr&) {
+        EXPECT_EQ(&client, caller);
+        EXPECT_FALSE(outcome.IsSuccess());
+        refused += outcome.GetError().GetErrorType() == S3Errors::ACCESS_DENIED ? 1 : 0;
+    };
+    auto copy = OfKey<Model::CopyObjectRequest>();
+    copy.SetCopySource("other/source");
+    auto partCopy = OfUpload<Model::UploadPartCopyRequest>();
+    partCopy.SetCopySource("other/source");
+    partCopy.SetPartNumber(7);
+
+    client.AbortMultipartUploadAsync(OfUpload<Model::AbortMultipartUploadRequest>(), handler);
+    client.CompleteMultipartUploadAsync(OfUpload<Model::CompleteMultipartUploadRequest>(), handler);
+    client.CopyObjectAsync(copy, handler);
+    client.CreateMultipartUploadAsync(OfKey<Model::CreateMultipartUploadRequest>(), handler);
+    client.DeleteBucketAsync(OfBucket<Model::DeleteBucketRequest>(), handler);
+    client.DeleteObjectsAsync(OfBucket<Model::DeleteObjectsRequest>(), handler);
+    client.GetBucketLocationAsync(OfBucket<Model::GetBucketLocationRequest>(), handler);
+    client.GetObjectTaggingAsync(OfKey<Model::GetObjectTaggingRequest>(), handler);
+    client.HeadObjectAsync(OfKey<Model::HeadObjectRequest>(), handler);
+    client.ListMultipartUploadsAsync(OfBucket<Model::ListMultipartUploadsRequest>(), handler);
+    client.ListObjectsV2Async(OfBucket<Model::ListObjectsV2Request>(), handler);
+    client.PutBucketLifecycleConfigurationAsync(
+        OfBucket<Model::PutBucketLifecycleConfigurationRequest>(), handler);
+    client.PutObjectTaggingAsync(OfKey<Model::PutObjectTaggingRequest>(), handler);
+    client.UploadPartCopyAsync(partCopy, handler);
+    EXPECT_EQ(0, refused);
+    executor->RunAll();
+
+    std::vector<std::string> sent;
+    for (const auto& message : network.Requests()) {
+        sent.push_back(message.request.method + " " + message.request.target);
+    }
+    EXPECT_THAT(sent, ElementsAre("DELETE /key?uploadId=id", "POST /key?uploadId=id", "PUT /key",
+                                  "POST /key?uploads", "DELETE /", "POST /?delete",
+                                  "GET /?location", "GET /key?tagging", "HEAD /key",
+                                  "GET /?uploads", "GET /?list-type=2", "PUT /?lifecycle",
+                                  "PUT /key?tagging", "PUT /key?partNumber=7&uploadId=id"));
+    EXPECT_EQ(14, refused);
 }
 
 TEST(S3Async, RequestIsCopiedAtTheCall) {

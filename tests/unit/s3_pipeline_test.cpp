@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <sstream>
 #include <string>
 
 #include "tests/support/S3Calls.h"
@@ -301,6 +302,60 @@ TEST(S3Pipeline, BodyThatCannotSeekIsRefused) {
     ScriptedNetwork network({Reply(200)});
 
     const auto outcome = S3Client(kCredentials, Configuration())
+                             .PutObject(Put(std::make_shared<Aws::IOStream>(&buffer)));
+
+    ASSERT_FALSE(outcome.IsSuccess());
+    EXPECT_EQ(S3Errors::INVALID_PARAMETER_VALUE, outcome.GetError().GetErrorType());
+    EXPECT_THAT(network.Requests(), SizeIs(0));
+}
+
+/// A body that goes back so many times and then no more. The first is taken for its length.
+class TiringBody : public std::stringbuf {
+public:
+    TiringBody(const char* text, int returns) : std::stringbuf(text), m_returns(returns) {}
+
+protected:
+    pos_type seekpos(pos_type place, std::ios_base::openmode mode) override {
+        return m_returns-- > 0 ? std::stringbuf::seekpos(place, mode) : pos_type(off_type(-1));
+    }
+
+private:
+    int m_returns;
+};
+
+TEST(S3Pipeline, BodyThatDoesNotGoBackIsNeverSentInPart) {
+    const struct {
+        int returns;
+        std::size_t sent;
+        const char* message;
+    } cases[] = {{1, 0, "cannot be read from start to end"},  // for its digest
+                 {2, 0, "cannot be sent again"},
+                 {3, 1, "cannot be sent again"}};
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.returns);
+        ScriptedNetwork network({Reply(500)});
+        TiringBody buffer("hello", expected.returns);
+
+        const auto outcome = S3Client(kCredentials, Configuration(Aws::Http::Scheme::HTTP))
+                                 .PutObject(Put(std::make_shared<Aws::IOStream>(&buffer)));
+
+        ASSERT_FALSE(outcome.IsSuccess());
+        EXPECT_EQ(S3Errors::INVALID_PARAMETER_VALUE, outcome.GetError().GetErrorType());
+        EXPECT_THAT(ToStd(outcome.GetError().GetMessage()), HasSubstr(expected.message));
+        EXPECT_THAT(network.Requests(), SizeIs(expected.sent));
+    }
+}
+
+TEST(S3Pipeline, BodyThatEndsBeforeItsLengthIsRefused) {
+    struct Shorter : std::stringbuf {
+        using std::stringbuf::stringbuf;
+        std::streamsize xsgetn(char* place, std::streamsize count) override {
+            return std::stringbuf::xsgetn(place, count - 1);
+        }
+    } buffer("hello");
+    ScriptedNetwork network({Reply(200)});
+
+    const auto outcome = S3Client(kCredentials, Configuration(Aws::Http::Scheme::HTTP))
                              .PutObject(Put(std::make_shared<Aws::IOStream>(&buffer)));
 
     ASSERT_FALSE(outcome.IsSuccess());

@@ -85,6 +85,7 @@ TEST_F(SdkLogging, EachLevelHasItsName) {
         log.LogStream(level, "t", StreamOf("m"));
         EXPECT_THAT(log.Lines().back(), testing::StartsWith(name));
     }
+    EXPECT_STREQ(GetLogLevelName(LogLevel::Off), "OFF");
 }
 
 TEST_F(SdkLogging, StatementsAboveTheLevelAreDropped) {

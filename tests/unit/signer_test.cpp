@@ -226,6 +226,15 @@ TEST(Signer, PathIsSignedAsSentWithoutNormalising) {
     EXPECT_EQ(0u, CanonicalRequest(request).find("GET\n//a/./b/../c//\n\n"));
 }
 
+TEST(Signer, BlanksAroundAHeadersValueCountForNothingAndThoseInsideForOne) {
+    Signable request = S3Request("GET", "/", kEmptyHash);
+    request.headers.emplace_back("x-amz-meta-a", "\t a  b\tc  ");
+    request.headers.emplace_back("x-amz-meta-b", "  ");
+
+    EXPECT_NE(std::string::npos,
+              CanonicalRequest(request).find("\nx-amz-meta-a:a b c\nx-amz-meta-b:\n"));
+}
+
 TEST(Signer, QueryIsSortedByItsEncodedForm) {
     Signable request = S3Request("GET", "/", kEmptyHash);
     request.query = {{"b", "+ /"}, {"a", "2"}, {"a", "10"}, {"uploads", ""}, {"B", "~"}};

@@ -1,10 +1,13 @@
+#include <aws/core/utils/threading/Semaphore.h>
 #include <gmock/gmock.h>
 #include <mirqos/mirqos.h>
 
 #include <chrono>
+#include <new>
 #include <string>
 
 #include "store/AwsS3Store.h"
+#include "tests/support/FailingAllocation.h"
 #include "tests/support/RecordingOutput.h"
 #include "tests/support/RecordingTransport.h"
 
@@ -42,6 +45,19 @@ TEST_F(StoreConfiguration, ANewStoreHasEmptyTextsAndHasSentNothing) {
     EXPECT_STREQ(store.GetAccessKeyId(), "");
     EXPECT_STREQ(store.GetSecretKey(), "");
     EXPECT_EQ(store.GetRequestCount(), 0u);
+}
+
+TEST_F(StoreConfiguration, InitWithoutMemoryForItsThreadsThrowsAndMayBeCalledAgain) {
+    CloudStoreConfigInfo config;
+    config.m_nThreadCount = 2;
+    AwsS3Store store;
+    {
+        const Mirqos::Test::FailingAllocation none(sizeof(Aws::Utils::Threading::Semaphore));
+        EXPECT_THROW(store.Init(&config), std::bad_alloc);
+    }
+    EXPECT_EQ(m_log.CountContaining("is started."), 0u);
+    EXPECT_EQ(store.Init(&config), 0);
+    SentBy(store);
 }
 
 TEST_F(StoreConfiguration, InitKeepsCopiesOfTheTexts) {

@@ -190,7 +190,8 @@ TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldOrDoesNotTellIsBelieved) {
          {Answer::Status(206).Body(body),
           Answer::Status(206).Header("Content-Range", "bytes 100-199/300").Body(body),
           Answer::Status(200).Header("Content-Range", "bytes 100-199/*").Body(body),
-          Answer::Status(206).Header("Content-Range", "octets 1-2").Body(body)}) {
+          Answer::Status(206).Header("Content-Range", "octets 1-2").Body(body),
+          Answer::Status(206).Header("Content-Range", "bytes */300").Body(body)}) {
         m_server.Next(answer);
         EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), body);
     }
