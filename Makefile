@@ -1,6 +1,6 @@
 # The commands of daily work. The build itself is CMake's: `cmake --list-presets`.
 .DEFAULT_GOAL := help
-.PHONY: help deps test demo dist faults soak fuzz bench format lint clean
+.PHONY: help deps test demo dist faults soak fuzz coverage bench format lint clean
 .NOTPARALLEL:
 
 help: ## this list
@@ -26,6 +26,9 @@ soak: deps ## half an hour of work over a failing network (MINUTES=30 PRESET=lin
 
 fuzz: deps ## let fuzzers look for crashes (SECONDS_EACH=60 TARGETS="...")
 	@scripts/fuzz $(or $(SECONDS_EACH),60) $(TARGETS)
+
+coverage: deps ## list what the tests do not run (build/coverage/)
+	@scripts/coverage
 
 bench: deps ## measure the library beside its floor and its peers (ONLY=log|store, ROWS=pattern)
 	@scripts/bench "$(ONLY)" "$(ROWS)"

@@ -11,6 +11,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 
 set(MIRQOS_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+option(MIRQOS_COVERAGE "Have the library and the programs count which of their lines run" OFF)
 option(MIRQOS_SDK_OWN_ALLOCATOR "Give the bundled SDK's strings an allocator of their own" OFF)
 
 if(WIN32)
