@@ -26,7 +26,8 @@ install(FILES ${CMAKE_BINARY_DIR}/MIRQOSConfig.cmake ${CMAKE_BINARY_DIR}/MIRQOSC
 
 # the documents, placed as in the source tree, so that links between them hold
 install(FILES README.md DESTINATION .)
-install(FILES docs/architecture.md docs/benchmarks.md docs/formats.md DESTINATION docs)
+install(FILES docs/architecture.md docs/benchmarks.md docs/benchmarks.svg docs/formats.md
+        DESTINATION docs)
 install(DIRECTORY docs/decisions DESTINATION docs FILES_MATCHING PATTERN "*.md")
 
 # The licences of what is linked into the files ask for their notices to go with them.

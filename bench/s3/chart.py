@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Draws what compare.py found as one picture: how much of the floor's speed everybody reaches.
+"""Draws what compare.py found as one picture: how much of the floor's speed everybody reaches. What
+is beyond the scale stands at its end.
 
     chart.py RESULTS SVG
 """

@@ -18,6 +18,7 @@ import json
 import os
 import re
 import shutil
+import signal
 import statistics
 import subprocess
 import sys
@@ -207,10 +208,15 @@ def main():
     chosen = {server: [row for row in rows.ROWS
                        if row.server == server and re.search(options.rows, row.id)]
               for server in ("null", "real")}
+    if not any(chosen.values()):
+        sys.exit("compare.py: there is no such row; they are\n" +
+                 "\n".join(row.id for row in rows.ROWS))
     if options.servers:
         print("\n".join(server for server in chosen if chosen[server]))
         return
 
+    # whoever ends this gets it cleared up as well
+    signal.signal(signal.SIGTERM, lambda number, _frame: sys.exit(128 + number))
     directory = tempfile.mkdtemp(prefix="mirqos-bench-", dir="/dev/shm")
     null = None
     try:

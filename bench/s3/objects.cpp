@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -51,8 +52,11 @@ Cost GetObjects(const Opener& open, const Order& order) {
     const Cost cost = CostOfObjects(order, workers, [](Worker& worker, const char* key) {
         worker.session->Get(key, worker.object);
     });
+    CheckContent(workers.front().object);
     for (const Worker& worker : workers) {
-        CheckContent(worker.object);
+        if (worker.object != workers.front().object) {
+            throw std::runtime_error("two threads received different bytes");
+        }
     }
     return cost;
 }
