@@ -253,7 +253,10 @@ def run(options, folder):
     manifest = os.path.join(folder, "manifest")
     temporary = os.path.join(folder, "temporary")
     os.mkdir(temporary)
+    # The C library on Linux gives large blocks back as they are freed, and keeps few pools for small
+    # ones, or what it holds would say more of it than of the program.
     environment = dict(os.environ, MIRQOS_LOG_FILE=os.path.join(folder, "soak.log"),
+                       MALLOC_MMAP_THRESHOLD_="65536", MALLOC_ARENA_MAX="2",
                        **{"MIRQOS_S3_" + name: value for name, value in server().items()})
     if not options.runner:
         environment["TMPDIR"] = temporary  # Wine would start a server of its own there
@@ -290,7 +293,7 @@ def main():
     parser.add_argument("--seconds", type=int, default=60)
     parser.add_argument("--seed", type=int, default=random.SystemRandom().getrandbits(63),
                         help="decides what is done and where the faults fall; random unless given")
-    parser.add_argument("--memory-slack-mib", type=int, default=16)
+    parser.add_argument("--memory-slack-mib", type=int, default=4)
     parser.add_argument("--runner", action="append", default=[],
                         help="starts programs built for another system")
     parser.add_argument("--logctl", help="mirqos-logctl, where there is one")
