@@ -9,7 +9,7 @@ help: ## this list
 deps: ## install the Debian packages that building and testing need (needs root)
 	@scripts/install-deps
 
-test: deps ## everything: check the sources, build and test all four presets (PRESETS="..." for some)
+test: deps ## everything: check the sources, build and test every preset (PRESETS="..." for some)
 	@scripts/test $(PRESETS)
 
 demo: deps ## build the product and let it back up a folder to an S3 server and restore it
