@@ -59,7 +59,8 @@ std::optional<std::string> BeginOf(const std::string& contentRange) {
     }
     const std::string number = significant == digits.npos ? "0" : digits.substr(significant);
     const std::string most = std::to_string(UINT64_MAX);
-    const bool fits = number.size() < most.size() || (number.size() == most.size() && number <= most);
+    const bool fits =
+        number.size() < most.size() || (number.size() == most.size() && number <= most);
     return fits ? std::optional(number) : std::nullopt;
 }
 

@@ -43,8 +43,9 @@ struct FuzzedAnswer {
 };
 
 constexpr int kStatuses[] = {200, 200, 200, 206, 204, 400, 403, 404, 409, 416, 429, 500, 503, 301};
-constexpr const char* kHeaders[] = {"ETag", "Content-Range", "x-amz-bucket-region", "Content-Type",
-                                    "Date", "Content-Length", "Location", "x-amz-request-id"};
+constexpr const char* kHeaders[] = {
+    "ETag",           "Content-Range", "x-amz-bucket-region", "Content-Type", "Date",
+    "Content-Length", "Location",      "x-amz-request-id"};
 
 FuzzedAnswer TakeAnswer(Input& input) {
     FuzzedAnswer answer;
@@ -86,7 +87,8 @@ public:
             request.body->ignore(static_cast<std::streamsize>(request.bodyLength));
         }
         const FuzzedAnswer answer = Next();
-        if (receiver.OnHead(answer.head) == Http::Receiver::Want::more && request.method != "HEAD") {
+        if (receiver.OnHead(answer.head) == Http::Receiver::Want::more &&
+            request.method != "HEAD") {
             const std::size_t half = answer.body.size() / 2;
             if (receiver.OnBody(answer.body.data(), half) == Http::Receiver::Want::more) {
                 receiver.OnBody(answer.body.data() + half, answer.body.size() - half);
@@ -114,16 +116,18 @@ private:
 class Library {
 public:
     Library() {
-        Mirqos::TheSeam().makeTransport = [this](const Http::TransportOptions&) { return m_network; };
+        Mirqos::TheSeam().makeTransport = [this](const Http::TransportOptions&) {
+            return m_network;
+        };
         Mirqos::TheSeam().sleep = [](std::chrono::milliseconds) {};
     }
 
     void Call(Operation& operation, std::deque<FuzzedAnswer> answers) {
         AwsS3Store& store = StoreFor(operation);
-        m_network->Set({{{200, {}},
-                         "<InitiateMultipartUploadResult><UploadId>upload " +
-                             std::to_string(++m_uploads) +
-                             "</UploadId></InitiateMultipartUploadResult>"}});
+        m_network->Set(
+            {{{200, {}},
+              "<InitiateMultipartUploadResult><UploadId>upload " + std::to_string(++m_uploads) +
+                  "</UploadId></InitiateMultipartUploadResult>"}});
         operation.Prepare(store);
         m_network->Set(std::move(answers));
         operation.Call(store);

@@ -70,9 +70,8 @@ void ReadUrls(std::string_view text) {
         Require(!url.bucket.empty() && !url.key.empty() && url.key.size() <= 1024,
                 "an object has a bucket and a key");
     });
-    Try(ExitCode::Usage, [text] {
-        Require(ParseBucketUrl(text).key.empty(), "a bucket's address has no key");
-    });
+    Try(ExitCode::Usage,
+        [text] { Require(ParseBucketUrl(text).key.empty(), "a bucket's address has no key"); });
     Try(ExitCode::Usage, [text] {
         const ObjectUrl url = ParsePrefixUrl(text);
         Require(("s3://" + url.bucket + "/" + url.key).find(text) == 0, "a prefix is its parts");

@@ -24,7 +24,9 @@ std::vector<std::string> ControlCharacters() {
     for (char c = 1; c < ' '; ++c) {
         keys.push_back(std::string("control") + c + "character");
     }
-    keys.emplace_back("control\x7F" "character");
+    keys.emplace_back(
+        "control\x7F"
+        "character");
     Append(keys, {"\x01", "\x1F", "\x7F", "tab\tnew\nline\r\x7F\x01"});
     return keys;
 }
@@ -63,16 +65,16 @@ std::vector<std::string> Blanks() {
 }
 
 std::vector<std::string> Slashes() {
-    return {"/",        "//",        "///",      "/leading", "//leading", "///leading", "trailing/",
-            "trailing//", "a/b/c", "a//b",     "a///b",    "a/b//c///d", "/a/",      "//a//",
-            "a/ /b",    "a/",        "a"};
+    return {"/",         "//",         "///",   "/leading", "//leading", "///leading",
+            "trailing/", "trailing//", "a/b/c", "a//b",     "a///b",     "a/b//c///d",
+            "/a/",       "//a//",      "a/ /b", "a/",       "a"};
 }
 
 std::vector<std::string> Dots() {
-    return {".",       "..",      "...",     "./a",    "../a",        "../../a",      "a/.",
-            "a/..",    "a/./b",   "a/../b",  "a/.../b", "a/../../b",  "a/../../../b", "/.",
-            "/..",     "/./",     "/../",    "/./a",   "/../a",       "./",           "../",
-            ".a",      "..a",     "a.",      "a..",    ". .",         ".//.",         "..//..",
+    return {".",        "..",       "...",    "./a",     "../a",      "../../a",      "a/.",
+            "a/..",     "a/./b",    "a/../b", "a/.../b", "a/../../b", "a/../../../b", "/.",
+            "/..",      "/./",      "/../",   "/./a",    "/../a",     "./",           "../",
+            ".a",       "..a",      "a.",     "a..",     ". .",       ".//.",         "..//..",
             "%2e%2e/a", "%2E%2E/a", "..%2Fa", "a/%2e/b", "a/..;/b",   "..\\a",        ".\\a"};
 }
 
@@ -88,14 +90,15 @@ std::vector<std::string> Punctuation() {
 }
 
 std::vector<std::string> Escapes() {
-    return {"%",        "%2",       "%2F",      "%2f",     "a%2Fb",   "a%2fb",    "%25",
-            "%2525",    "%%%",      "%00",      "%0A",     "%0D%0A",  "%20",      "a%20b",
-            "a b",      "%C3%A4",   "%c3%a4",   "%FF",     "%zz",     "%u0041",   "100%",
-            "100% sure", "%41",     "A",        "%2B",     "a%2Bb",   "%40",      "a%40b",
-            "\\n",      "\\x41",    "\\u0041",  "\\0",     "&amp;",   "&lt;x&gt;", "&#1;",
-            "&#x1;",    "&#x41;",   "&amp;amp;", "&unknown;", "]]>",  "<![CDATA[x]]>", "<Key>x</Key>",
-            "</Key>",   "<!--x-->", "<?pi x?>", "${HOME}", "$(id)",   "`id`",     "{0}",
-            "%s%n%d",   "=?UTF-8?Q?x?="};
+    return {"%",       "%2",        "%2F",          "%2f",       "a%2Fb",         "a%2fb",
+            "%25",     "%2525",     "%%%",          "%00",       "%0A",           "%0D%0A",
+            "%20",     "a%20b",     "a b",          "%C3%A4",    "%c3%a4",        "%FF",
+            "%zz",     "%u0041",    "100%",         "100% sure", "%41",           "A",
+            "%2B",     "a%2Bb",     "%40",          "a%40b",     "\\n",           "\\x41",
+            "\\u0041", "\\0",       "&amp;",        "&lt;x&gt;", "&#1;",          "&#x1;",
+            "&#x41;",  "&amp;amp;", "&unknown;",    "]]>",       "<![CDATA[x]]>", "<Key>x</Key>",
+            "</Key>",  "<!--x-->",  "<?pi x?>",     "${HOME}",   "$(id)",         "`id`",
+            "{0}",     "%s%n%d",    "=?UTF-8?Q?x?="};
 }
 
 std::vector<std::string> RequestParts() {
@@ -135,13 +138,14 @@ std::vector<std::string> RequestParts() {
 }
 
 std::vector<std::string> Substitutions() {
-    return {"@",     "+",      "@@@",     "+++",    "@+",     "+@",     "a@b",  "a+b",
-            "@a+b@@", "user@host/x+y", "+/@", "%40@", "@%2B+", "a + b", "a @ b"};
+    return {"@",   "+",    "@@@",   "+++",   "@+",   "+@", "a@b", "a+b", "@a+b@@", "user@host/x+y",
+            "+/@", "%40@", "@%2B+", "a + b", "a @ b"};
 }
 
 std::vector<std::string> NamesOfTheServices() {
-    return {".mirqos/manifest", ".mirqos", "_", "_x", "__x", "_multipart_x", "__shadow_x.1",
-            ".meta",            ":",       ":x", "x:",  "null", "index.html", "soap", "favicon.ico"};
+    return {".mirqos/manifest", ".mirqos", "_",          "_x", "__x", "_multipart_x",
+            "__shadow_x.1",     ".meta",   ":",          ":x", "x:",  "null",
+            "index.html",       "soap",    "favicon.ico"};
 }
 
 std::vector<std::string> BeyondAscii() {
@@ -178,28 +182,29 @@ std::vector<std::string> BeyondAscii() {
         "\xC2\x85",                                      // next line
         "\xC2\xA0no-break\xC2\xA0",
         "soft\xC2\xADhyphen",
-        "\xDF\xBF",                                      // the last of two bytes
-        "\xE0\xA0\x80",                                  // the first of three
+        "\xDF\xBF",      // the last of two bytes
+        "\xE0\xA0\x80",  // the first of three
         "zero\xE2\x80\x8Bwidth",
-        "\xE2\x80\xAEtxt.exe",                           // written from right to left
+        "\xE2\x80\xAEtxt.exe",  // written from right to left
         "\xE2\x80\xA8line\xE2\x80\xA9paragraph",
         "\xE3\x80\x80wide blank\xE3\x80\x80",
-        "\xED\x9F\xBF",                                  // before the surrogates
-        "\xEE\x80\x80",                                  // behind them
-        "\xEF\xA3\xBF",                                  // the last for private use
+        "\xED\x9F\xBF",  // before the surrogates
+        "\xEE\x80\x80",  // behind them
+        "\xEF\xA3\xBF",  // the last for private use
         "\xEF\xA3\xBFx\xEF\xA3\xBF",
-        "\xEF\xBB\xBFmarked",                            // a byte-order mark
+        "\xEF\xBB\xBFmarked",  // a byte-order mark
         "\xEF\xBB\xBF",
-        "\xEF\xBC\x8F\xEF\xBC\xA0\xEF\xBC\x8B",          // wide slash, at and plus
-        "\xEF\xBF\xBD",                                  // what stands for what cannot be read
-        "\xEF\xBF\xBE",                                  // no characters to XML
+        "\xEF\xBC\x8F\xEF\xBC\xA0\xEF\xBC\x8B",  // wide slash, at and plus
+        "\xEF\xBF\xBD",                          // what stands for what cannot be read
+        "\xEF\xBF\xBE",                          // no characters to XML
         "\xEF\xBF\xBF",
     };
 }
 
 std::vector<std::string> Lengths() {
     std::vector<std::string> keys;
-    for (const std::size_t length : {127u, 128u, 255u, 256u, 259u, 260u, 261u, 1000u, 1022u, 1023u}) {
+    for (const std::size_t length :
+         {127u, 128u, 255u, 256u, 259u, 260u, 261u, 1000u, 1022u, 1023u}) {
         keys.push_back(Repeat("k", length));
     }
     keys.push_back(Repeat("k", kLongestKey));
@@ -234,9 +239,8 @@ std::vector<std::string> KeyCorpus() {
 std::vector<std::string> DistinctWhenSubstituted(const std::vector<std::string>& keys) {
     std::set<std::string> sent;
     std::vector<std::string> distinct;
-    std::copy_if(
-        keys.begin(), keys.end(), std::back_inserter(distinct),
-        [&](const std::string& key) { return sent.insert(WithPlusForAt(key)).second; });
+    std::copy_if(keys.begin(), keys.end(), std::back_inserter(distinct),
+                 [&](const std::string& key) { return sent.insert(WithPlusForAt(key)).second; });
     return distinct;
 }
 
@@ -246,7 +250,7 @@ std::vector<std::string> ImproperKeys() {
         Repeat("\xE2\x82\xAC", kLongestKey / 3) + "ee",  // 1,025 bytes, fewer characters
         Repeat("\xF0\x9F\x97\x84", kLongestKey / 4) + "e",
         Repeat("k", 2 * kLongestKey),
-        "\x80",                      // begins in the middle of a character
+        "\x80",  // begins in the middle of a character
         "\xFF",
         "not UTF-8 \xFF\xFE",
         "folder\xFF/file",

@@ -10,8 +10,8 @@ namespace Mirqos::Test {
 inline constexpr std::size_t kLongestKey = 1024;
 
 /// Object keys that something on the way to a service might change, refuse or take for another: an
-/// encoding done twice or not at all, a path made tidy, blanks trimmed, characters composed, a length
-/// cut. All differ, and a service keeps each.
+/// encoding done twice or not at all, a path made tidy, blanks trimmed, characters composed, a
+/// length cut. All differ, and a service keeps each.
 std::vector<std::string> KeyCorpus();
 
 /// Those of `keys` that still differ when "@" is sent as "+": of two that fall together the first.
