@@ -13,14 +13,15 @@ using testing::HasSubstr;
 // volatile, so that the compiler does not foresee what comes
 volatile int g_largest = std::numeric_limits<int>::max();
 volatile std::size_t g_beyond = 3;
+volatile int g_read = 0;
 
 void AddOneTooMany() {
     g_largest = g_largest + 1;
 }
 
-int ElementBeyondTheEnd() {
-    const std::vector<int> none;
-    return none[g_beyond];
+void ReadBeyondTheEnd() {
+    const std::vector<int> three(3);
+    g_read = three[g_beyond];
 }
 
 // What the sanitizer's own runtime says, and what a test program says of a trap.
@@ -38,7 +39,8 @@ TEST(UndefinedBehaviourDeathTest, EndsTheProgramOnEveryThread) {
 }
 
 TEST(UndefinedBehaviourDeathTest, IsFoundBehindTheStandardLibrarysContainers) {
-    EXPECT_DEATH(ElementBeyondTheEnd(), AnyOf(IsReported(), HasSubstr("Assertion")));
+    // the standard library's own check or, where that is off, the one of each access to memory
+    EXPECT_DEATH(ReadBeyondTheEnd(), AnyOf(HasSubstr("Assertion"), HasSubstr("AddressSanitizer")));
 }
 
 }  // namespace
