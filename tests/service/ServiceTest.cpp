@@ -107,4 +107,13 @@ std::int32_t ServiceTest::Delete(MIRQOSInterface& store, const std::string& key,
     return store.DeleteObject(&record);
 }
 
+std::int32_t ServiceTest::Head(MIRQOSInterface& store, const std::string& key, bool& exists) {
+    CloudStoreHeadObjectConext head;
+    head.m_pszBucket = Bucket().c_str();
+    head.m_pszKey = key.c_str();
+    const std::int32_t status = store.HeadObject(&head);
+    exists = head.m_bExists;
+    return status;
+}
+
 }  // namespace Mirqos::Test

@@ -57,6 +57,8 @@ protected:
                      std::uint64_t last, const std::string& bucket = {});
     std::int32_t Delete(MIRQOSInterface& store, const std::string& key,
                         const std::string& bucket = {});
+    /// Asks whether that object exists in the test's bucket.
+    std::int32_t Head(MIRQOSInterface& store, const std::string& key, bool& exists);
 
     const std::string& Bucket() const { return m_bucket; }
     LogRecording& Log() { return m_log; }

@@ -27,14 +27,6 @@ protected:
         config.m_nProviderType = providerType;
         return NewStore(config);
     }
-    std::int32_t Head(MIRQOSInterface& store, const std::string& key, bool& exists) {
-        CloudStoreHeadObjectConext head;
-        head.m_pszBucket = Bucket().c_str();
-        head.m_pszKey = key.c_str();
-        const std::int32_t status = store.HeadObject(&head);
-        exists = head.m_bExists;
-        return status;
-    }
     bool Finds(MIRQOSInterface& store, const std::string& prefix) {
         CloudStoreSearchObjectConext search;
         search.m_pszBucket = Bucket().c_str();
