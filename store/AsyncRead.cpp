@@ -136,15 +136,20 @@ void AwsS3Store::HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& req
         batch.m_nErrorCode = Mirqos::StatusOf(outcome);
     } else if (read.m_pBuf == nullptr) {
         batch.m_nErrorCode = Mirqos::kUnknownError;  // nowhere to deliver to is no success
+    } else if (std::streambuf& body = *transfer.m_pResponseStream.load()->rdbuf();
+               !Mirqos::HoldsRange(outcome.GetResult(), body, read)) {
+        const auto error = Mirqos::OtherRange();
+        batch.m_nErrorCode = static_cast<int32_t>(error.GetErrorType());
+        ModuleLog(&g_ModuleLog, 1, "[%s]. Key: %s Range = [%s] failed: %s", kOperation, pszKey,
+                  request.GetRange().c_str(), error.GetMessage().c_str());
     } else if (batch.m_nErrorCode == 0) {
         // After a failure nothing more is delivered, and the failure stays: a success that replaced
         // it would tell the caller that all buffers hold their data.
-        const auto nContentLength = outcome.GetResult().GetContentLength();
-        const uint64_t nCopied = Mirqos::CopyBody(*transfer.m_pResponseStream.load()->rdbuf(),
-                                                  nContentLength, read.m_pBuf);
+        const uint64_t nCopied = Mirqos::CopyBody(body, read.m_pBuf);
         ModuleLog(&g_ModuleLog, 1, "[%s]. pBuf:[%lld] len:[%d] contentLen:[%d] availSize=[%d].",
                   kOperation, static_cast<long long>(reinterpret_cast<intptr_t>(read.m_pBuf)),
-                  static_cast<int>(read.m_nReadLen), static_cast<int>(nContentLength),
+                  static_cast<int>(read.m_nReadLen),
+                  static_cast<int>(outcome.GetResult().GetContentLength()),
                   static_cast<int>(nCopied));
     }
     ++batch.m_nComplete;

@@ -1,8 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <streambuf>
+#include <aws/s3/model/GetObjectResult.h>
 
+#include <cstdint>
+#include <optional>
+#include <streambuf>
+#include <string_view>
+
+#include "mirqos/records.h"
 #include "store/AwsSdk.h"
 
 namespace Mirqos {
@@ -10,10 +15,24 @@ namespace Mirqos {
 /// The range of a request: "bytes=FIRST-LAST", both decimal and inclusive.
 Aws::String RangeText(uint64_t nFirst, uint64_t nLast);
 
+/// The first byte that a Content-Range header (RFC 9110) tells: FIRST of "bytes FIRST-LAST/SIZE".
+std::optional<uint64_t> FirstByteOf(std::string_view contentRange);
+
+/// Whether the answer to `read` holds bytes from the place asked for; `body` is its response
+/// stream. Without a Content-Range header it is the whole object, as from a service or a proxy that
+/// passes ranges over. An empty object is the same from any place, and a range that ends before it
+/// begins is none.
+bool HoldsRange(const Aws::S3::Model::GetObjectResult& answer, std::streambuf& body,
+                const CloudStoreReadObjectContext& read);
+
+/// What a read that HoldsRange refuses fails with: to deliver its bytes would alter the caller's
+/// data, and to ask again would bring them again.
+Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange();
+
 /// Copies what the service sent from `body`, the response stream of a read, to `pDestination` and
 /// returns its length. A stream over a preallocated buffer reports its whole length as available
-/// also when the answer was shorter, so the answer's content length is the second bound: no byte
-/// that the service did not send reaches the caller.
-uint64_t CopyBody(std::streambuf& body, int64_t nContentLength, unsigned char* pDestination);
+/// also when the answer was shorter, so how far it was written is the second bound: no byte that
+/// the service did not send reaches the caller.
+uint64_t CopyBody(std::streambuf& body, unsigned char* pDestination);
 
 }  // namespace Mirqos

@@ -54,15 +54,18 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
 
     auto outcome = m_pClient->GetObject(request);
     if (outcome.IsSuccess()) {
-        std::streambuf* pBody = outcome.GetResult().GetBody().rdbuf();
-        pContext->m_nReadSize =
-            Mirqos::CopyBody(*pBody, outcome.GetResult().GetContentLength(), pContext->m_pBuf);
-        return 0;
+        std::streambuf& body = *outcome.GetResult().GetBody().rdbuf();
+        if (Mirqos::HoldsRange(outcome.GetResult(), body, *pContext)) {
+            pContext->m_nReadSize = Mirqos::CopyBody(body, pContext->m_pBuf);
+            return 0;
+        }
     }
-    const int32_t nStatus = Mirqos::StatusOf(outcome);
+    const Aws::Client::AWSError<Aws::S3::S3Errors> error =
+        outcome.IsSuccess() ? Mirqos::OtherRange() : outcome.GetError();
+    const auto nStatus = static_cast<int32_t>(error.GetErrorType());
     ModuleLog(&g_ModuleLog, 1, "region:[%s], bucket:[%s] read object:[%s] failed.",
               m_strRegion.c_str(), m_strBucket.c_str(), pContext->m_pszKey);
-    ModuleLog(&g_ModuleLog, 1, "[%s:%s],EC:[%d].", outcome.GetError().GetMessage().c_str(),
-              outcome.GetError().GetExceptionName().c_str(), nStatus);
+    ModuleLog(&g_ModuleLog, 1, "[%s:%s],EC:[%d].", error.GetMessage().c_str(),
+              error.GetExceptionName().c_str(), nStatus);
     return nStatus;
 }

@@ -121,7 +121,7 @@ private:
         const std::string name = "[AwsS3Store::DownloadFileForCopyObject]";
         promise.lines.push_back(name + "The size of object source is 2000.");
         for (const std::string offset : {"0", "1000"}) {
-            promise.status = fate.Next(ForBytes());
+            promise.status = fate.Next(ForBytes(offset != "0"));
             if (promise.status != 0) {
                 promise.lines.push_back(
                     "region:[eu-central-1], bucket:[the-configured-bucket] read object:[source] "

@@ -243,6 +243,13 @@ void AddHeaderFaults(std::vector<Mishap>& faults) {
                             "Content-Range: bytes 7-1006/2000");
         },
         Where(Answered::bytes, kNotUnderstood)));
+    faults.push_back(Altered("no range", without("Content-Range"),
+                             [](const Sent& sent) -> std::optional<Effect> {
+                                 if (sent.answered != Answered::bytes) {
+                                     return std::nullopt;
+                                 }
+                                 return sent.inside ? kNotUnderstood : kHarmless;
+                             }));
     // Whoever reads another of the two lengths reads another answer.
     const auto whereBody = [](const Sent& sent) -> std::optional<Effect> {
         if (sent.answered == Answered::document || sent.answered == Answered::bytes) {

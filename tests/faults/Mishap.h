@@ -21,6 +21,7 @@ struct Sent {
     Answered answered = Answered::empty;
     bool body = false;    ///< it has one
     bool tagged = false;  ///< a good answer has an ETag header
+    bool inside = false;  ///< it asks for bytes behind the object's first
     /// What the service says to it when it has done it already and is asked again; 0: the same.
     Aws::S3::S3Errors repeated = Aws::S3::S3Errors{};
     bool takesTags = false;  ///< it sends back the tags of the answers before it

@@ -94,10 +94,11 @@ inline Sent ForDocument() {
 inline Sent ForNothing() {
     return Sent();
 }
-inline Sent ForBytes() {
+inline Sent ForBytes(bool inside) {
     Sent sent;
     sent.answered = Sent::Answered::bytes;
     sent.tagged = true;
+    sent.inside = inside;
     return sent;
 }
 inline Sent WithBody(Sent sent) {

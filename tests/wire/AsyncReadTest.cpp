@@ -28,6 +28,11 @@ bool AsyncRead::OneRead::Delivered() const {
     return buffer == Filled(Digits(context.m_nRangeStart, context.m_nReadLen));
 }
 
+Answer AsyncRead::Bytes(const std::string& body, std::uint64_t first) {
+    const std::string range = std::to_string(first) + "-" + std::to_string(first + body.size() - 1);
+    return Answer::Status(206).Header("Content-Range", "bytes " + range + "/*").Body(body);
+}
+
 std::string AsyncRead::Digits(std::uint64_t first, std::uint64_t count) {
     std::string text;
     for (std::uint64_t i = first; i < first + count; ++i) {
@@ -36,18 +41,16 @@ std::string AsyncRead::Digits(std::uint64_t first, std::uint64_t count) {
     return text;
 }
 
-std::string AsyncRead::DigitsFor(const RecordedRequest& request) {
+Answer AsyncRead::DigitsFor(const RecordedRequest& request) {
     const std::string range = request.Value("range");
     const auto dash = range.find('-');
     const auto first = std::stoull(range.substr(6, dash - 6));
     const auto last = std::stoull(range.substr(dash + 1));
-    return Digits(first, last - first + 1);
+    return Bytes(Digits(first, last - first + 1), first);
 }
 
 void AsyncRead::ServeDigits(const char* key) {
-    m_server.On("GET", std::string("/the-bucket/") + key).Call([](const RecordedRequest& request) {
-        return Bytes(DigitsFor(request));
-    });
+    m_server.On("GET", std::string("/the-bucket/") + key).Call(DigitsFor);
 }
 
 }  // namespace Mirqos::Test

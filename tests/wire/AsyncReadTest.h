@@ -27,12 +27,13 @@ protected:
         CloudStoreReadObjectContext context;
     };
 
-    static Answer Bytes(const std::string& body) { return Answer::Status(206).Body(body); }
+    /// `body` as the bytes of an object from `first` on.
+    static Answer Bytes(const std::string& body, std::uint64_t first = 0);
     static std::string Digits(std::uint64_t first, std::uint64_t count);
     /// What is in a read's buffer after `text` was delivered.
     static std::string Filled(const std::string& text) { return text + std::string(4, kUntouched); }
-    /// The digits that a request's range asks for.
-    static std::string DigitsFor(const RecordedRequest& request);
+    /// Answers with the digits that a request's range asks for.
+    static Answer DigitsFor(const RecordedRequest& request);
     /// Answers every read of `key` with its digits.
     void ServeDigits(const char* key = "k");
 };

@@ -21,7 +21,9 @@ protected:
 
     static std::string KeyOf(std::uint64_t number) { return "k" + std::to_string(number) + "-"; }
     static std::string TargetOf(std::uint64_t number) { return "/the-bucket/" + KeyOf(number); }
-    static Answer AnswerTo(std::uint64_t number) { return Bytes(Digits(number * 7, kLength)); }
+    static Answer AnswerTo(std::uint64_t number) {
+        return Bytes(Digits(number * 7, kLength), number * 7);
+    }
 
     void ServeTheRest(ScriptedServer& server) {
         for (std::uint64_t number = 0; number < kReads; ++number) {

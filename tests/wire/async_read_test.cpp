@@ -31,7 +31,7 @@ TEST_F(AsyncRead, ThreeReadsFillTheirOwnBuffers) {
 }
 
 TEST_F(AsyncRead, SendsExactlyThisRequestAndWritesTheseLines) {
-    m_server.Next(Bytes("abc"));
+    m_server.Next(Bytes("abc", 5));
     const auto store = StoreWithThreads(1);
     m_log.Clear();
     OneRead read(5, 3, "a folder/k");
@@ -175,7 +175,7 @@ TEST_F(AsyncRead, AWaitBeforeTheAnswersIsWokenByTheLast) {
     const auto store = StoreWithThreads(2);
     Gate gate;
     m_server.On("GET", "").Always(Bytes("01234").Wait(Place::AnswerByte(0), gate));
-    OneRead reads[] = {OneRead(0, 5), OneRead(5, 5)};
+    OneRead reads[] = {OneRead(0, 5), OneRead(0, 5)};
     for (OneRead& read : reads) {
         EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
     }
@@ -199,6 +199,24 @@ TEST_F(AsyncRead, AShortAnswerDeliversOnlyWhatTheServiceSent) {
     EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
     EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
     EXPECT_EQ(read.buffer, "abc" + std::string(11, kUntouched));
+}
+
+TEST_F(AsyncRead, AnotherRangeThanAskedForIsAFailureAndDeliversNothing) {
+    const auto store = StoreWithThreads(1);
+    for (const Answer& answer : {Bytes("01234"), Answer::Status(200).Body("0123456789"),
+                                 Answer::Status(206).Body("56789"), Bytes("6789", 6)}) {
+        m_log.Clear();
+        m_server.Next(answer);
+        OneRead read(5, 5, "a key");
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+        EXPECT_EQ(store->WaitForReadObjectAsync(&read.context),
+                  StatusOf(Aws::S3::S3Errors::UNKNOWN));
+        EXPECT_TRUE(read.Untouched());
+        EXPECT_THAT(Lines(),
+                    Contains("[AwsS3Store::HandleAsyncReadFunc]. Key: a key Range = [bytes=5-9] "
+                             "failed: The answer holds other bytes than the range asked for."));
+    }
+    EXPECT_TRUE(Waits().empty());
 }
 
 TEST_F(AsyncRead, ALongAnswerIsBoundedByTheLengthAskedFor) {

@@ -161,7 +161,9 @@ protected:
             const auto dash = range.find('-');
             const auto first = static_cast<std::size_t>(std::stoull(range.substr(6, dash - 6)));
             const auto last = static_cast<std::size_t>(std::stoull(range.substr(dash + 1)));
-            return Answer::Status(206).Body(m_bytes.substr(first, last - first + 1));
+            return Answer::Status(206)
+                .Header("Content-Range", "bytes " + range.substr(6) + "/*")
+                .Body(m_bytes.substr(first, last - first + 1));
         });
     }
     void ServeTarget() {

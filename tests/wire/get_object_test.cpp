@@ -47,7 +47,7 @@ TEST_P(GetObject, SendsExactlyThisRequest) {
 using GetObjectRange = WireTest;
 
 TEST_F(GetObjectRange, IsSentInDecimalWhateverItIs) {
-    m_server.On("GET", "/").Always(Answer::Status(206).Body("x"));
+    m_server.On("GET", "/").Always(Answer::Status(206));
     const auto store = MakeStore();
     const auto rangeOf = [&](std::uint64_t start, std::uint64_t end) {
         unsigned char byte = 0;
@@ -168,32 +168,32 @@ TEST_F(GetObjectAnswer, ARangeBeyondTheEndGivesTheServicesError) {
 }
 
 TEST_F(GetObjectRange, AnotherRangeThanAskedForIsAFailureAndDeliversNothing) {
+    const std::string part(100, 'x');
     const Answer whole = Answer::Status(200).Body(std::string(300, 'w'));
     const auto store = MakeStore();
     for (const Answer& answer :
          {Answer(whole), Answer(whole).Header("Content-Range", "bytes 0-99/300"),
-          Answer::Status(206)
-              .Header("Content-Range", "bytes 101-200/300")
-              .Body(std::string(100, 'x'))}) {
+          Answer::Status(200).Body("whole").Chunked(2),
+          Answer::Status(206).Header("Content-Range", "bytes 101-200/300").Body(part),
+          Answer::Status(206).Header("Content-Range", "bytes */300").Body(part),
+          // nothing tells that these are not its first bytes
+          Answer::Status(206).Body(part)}) {
         m_log.Clear();
         m_server.Next(answer);
         ExpectReadFailed(Read(*store, "k", 100, 100), Aws::S3::S3Errors::UNKNOWN, "k",
-                         testing::HasSubstr("other bytes than the range"));
+                         testing::Eq("The answer holds other bytes than the range asked for."));
     }
     EXPECT_TRUE(Waits().empty());
 }
 
-TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldOrDoesNotTellIsBelieved) {
+TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldIsDelivered) {
     const std::string body(100, 'b');
     const auto store = MakeStore();
-    for (const Answer& answer :
-         {Answer::Status(206).Body(body),
-          Answer::Status(206).Header("Content-Range", "bytes 100-199/300").Body(body),
-          Answer::Status(200).Header("Content-Range", "bytes 100-199/*").Body(body),
-          Answer::Status(206).Header("Content-Range", "octets 1-2").Body(body),
-          Answer::Status(206).Header("Content-Range", "bytes */300").Body(body)}) {
-        m_server.Next(answer);
-        EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), body);
+    for (const char* range : {"bytes 100-199/300", "bytes 100-199/*", "Bytes 100-199/300"}) {
+        for (const int status : {200, 206}) {
+            m_server.Next(Answer::Status(status).Header("Content-Range", range).Body(body));
+            EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), body);
+        }
     }
     m_server.Next(Answer::Status(200).Body(std::string(300, 'w')));
     EXPECT_EQ(Read(*store, "k", 0, 100).Delivered(), std::string(100, 'w'));

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "sdk/core/Seam.h"
-#include "sdk/core/client/ByteRange.h"
 #include "sdk/core/client/OutgoingBody.h"
 #include "sdk/core/client/Text.h"
 #include "sdk/core/http/Ascii.h"
@@ -287,11 +286,6 @@ Pipeline::Outcome Pipeline::Judge(const Call& call, ResponseReceiver& receiver) 
     const int status = receiver.Head().status;
     if (!receiver.IsSuccess()) {
         return Outcome(ErrorFromAnswer(status, receiver.Text(), m_service.errorLookup));
-    }
-    if (BeginsElsewhere(call.wire.headers, receiver.Head())) {
-        // A retry would bring the same bytes, and to deliver them would alter the caller's data.
-        return Outcome(MakeError(CoreErrors::UNKNOWN, "",
-                                 "The answer holds other bytes than the range asked for.", false));
     }
     Answer answer;
     if (call.wire.response != ResponseKind::stream) {

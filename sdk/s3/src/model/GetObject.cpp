@@ -20,6 +20,7 @@ Mirqos::Client::WireRequest GetObjectRequest::Describe() const {
 GetObjectResult::GetObjectResult(Mirqos::Client::Answer&& answer)
     : m_body(std::move(answer.stream)),
       m_contentLength(answer.ContentLength()),
+      m_contentRange(answer.Header("Content-Range")),
       m_eTag(answer.Header("ETag")) {
 }
 

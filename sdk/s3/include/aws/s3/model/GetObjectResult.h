@@ -23,11 +23,15 @@ public:
     /// none (a chunked body), the count of the bytes received. Never more than was sent.
     long long GetContentLength() const { return m_contentLength; }
 
+    /// "bytes FIRST-LAST/SIZE"; empty where the service sent none.
+    const Aws::String& GetContentRange() const { return m_contentRange; }
+
     const Aws::String& GetETag() const { return m_eTag; }
 
 private:
     Aws::Utils::Stream::ResponseStream m_body;
     long long m_contentLength = 0;
+    Aws::String m_contentRange;
     Aws::String m_eTag;
 };
 
