@@ -19,6 +19,9 @@ namespace Mirqos::Soak {
 /// What the library and the server say of a request that the relay refused.
 inline constexpr std::int32_t kRefused = 15;
 
+inline constexpr std::uint64_t kMiB = 1024 * 1024;
+inline constexpr std::uint64_t kPart = 5 * kMiB;  ///< the least that the server joins
+
 /// The stores that one thread works with. All but `direct` reach the server through the relay.
 struct Stores {
     Test::StorePointer own;      ///< with threads; nobody else reads with it
@@ -86,6 +89,9 @@ private:
     /// where `mayBeOver`, that there is no such thing: a request that is sent again after its
     /// answer was lost may find its work done.
     std::int32_t Ended(std::int32_t status, bool mayBeOver = false);
+    static std::string Numbers(std::uint64_t first, std::uint64_t second) {
+        return std::to_string(first) + ", " + std::to_string(second);
+    }
     void Begin(const char* operation, const std::string& what);
     void Require(bool holds, const std::string& what) const;
 
@@ -102,6 +108,28 @@ private:
     Bytes ReadDirectly(const std::string& key, std::uint64_t size);
     Tags TagsDirectly(const std::string& key);
     static Tags TagsOf(const GetObjectTaggingContext& record);
+
+    // What operations are called with.
+    template <class Context>
+    Context For(const std::string& key) const {
+        Context context;
+        context.m_pszBucket = m_bucket.c_str();
+        context.m_pszKey = key.c_str();
+        return context;
+    }
+    /// For a listing of what is this thread's.
+    template <class Context>
+    Context OfOwn() const {
+        Context context;
+        context.m_pszBucket = m_bucket.c_str();
+        context.m_pszPrefix = m_prefix.c_str();
+        return context;
+    }
+    template <class Context>
+    Context OfUpload(const Upload& upload) const;
+    CloudStoreReadObjectContext ReadOf(const std::string& key, unsigned char* place,
+                                       std::uint64_t first, std::uint64_t length) const;
+    CloudStoreCopyObjectContext CopyOf(const std::string& source, const std::string& key) const;
 
     /// False when it was refused.
     bool BeginUpload(Upload& upload);
