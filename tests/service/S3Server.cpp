@@ -55,6 +55,18 @@ const S3Server& TheS3Server() {
     return server;
 }
 
+CloudStoreConfigInfo ConfigFor(const std::string& bucket) {
+    const S3Server& server = TheS3Server();
+    CloudStoreConfigInfo config;
+    config.m_pszRegion = server.region.c_str();
+    config.m_pszBucket = bucket.c_str();
+    config.m_pszAccessKeyId = server.accessKey.c_str();
+    config.m_pszSecretKey = server.secretKey.c_str();
+    config.m_pszEndPoint = server.endpoint.c_str();
+    config.m_bUseHttps = 0;
+    return config;
+}
+
 std::string NewBucketName() {
     static const std::uint64_t process = [] {
         std::random_device random;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mirqos/mirqos.h>
+
 #include <string>
 
 namespace Mirqos::Test {
@@ -16,6 +18,9 @@ struct S3Server {
 /// without them the file of such lines that MIRQOS_S3_ENV names, which the ctest fixture's server
 /// writes. Throws std::runtime_error when neither says where it is.
 const S3Server& TheS3Server();
+
+/// A store's configuration for that server and `bucket`, which has to live until Init.
+CloudStoreConfigInfo ConfigFor(const std::string& bucket);
 
 /// A bucket name that no other test, process or run uses.
 std::string NewBucketName();

@@ -52,14 +52,7 @@ ServiceTest::~ServiceTest() {
 }
 
 CloudStoreConfigInfo ServiceTest::Config(std::size_t bufferSize) const {
-    const S3Server& server = TheS3Server();
-    CloudStoreConfigInfo config;
-    config.m_pszRegion = server.region.c_str();
-    config.m_pszBucket = m_bucket.c_str();
-    config.m_pszAccessKeyId = server.accessKey.c_str();
-    config.m_pszSecretKey = server.secretKey.c_str();
-    config.m_pszEndPoint = server.endpoint.c_str();
-    config.m_bUseHttps = 0;
+    CloudStoreConfigInfo config = ConfigFor(m_bucket);
     config.m_nBufferSize = static_cast<std::int32_t>(bufferSize);
     return config;
 }

@@ -14,7 +14,6 @@
 namespace {
 
 TEST(Host, WritesAndReadsThroughTheLibraryItself) {
-    const Mirqos::Test::S3Server& server = Mirqos::Test::TheS3Server();
     const std::string bucket = Mirqos::Test::NewBucketName();
     constexpr std::size_t size = 3 * 1024 * 1024 + 7;
 
@@ -22,13 +21,7 @@ TEST(Host, WritesAndReadsThroughTheLibraryItself) {
     const MIRQOSEngineStarter engine(true, context);
     MIRQOSInterface* store = CreateCloudStoreInterface(&context);
     ASSERT_NE(store, nullptr);
-    CloudStoreConfigInfo config;
-    config.m_pszRegion = server.region.c_str();
-    config.m_pszBucket = bucket.c_str();
-    config.m_pszAccessKeyId = server.accessKey.c_str();
-    config.m_pszSecretKey = server.secretKey.c_str();
-    config.m_pszEndPoint = server.endpoint.c_str();
-    config.m_bUseHttps = 0;
+    CloudStoreConfigInfo config = Mirqos::Test::ConfigFor(bucket);
     config.m_nBufferSize = size;
     config.m_nThreadCount = 2;
     ASSERT_EQ(store->Init(&config), 0);

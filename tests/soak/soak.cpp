@@ -148,14 +148,8 @@ private:
 
     Test::StorePointer NewStore(const std::string& endpoint, std::int32_t threads,
                                 std::int32_t provider) const {
-        const Test::S3Server& server = Test::TheS3Server();
-        CloudStoreConfigInfo config;
-        config.m_pszRegion = server.region.c_str();
-        config.m_pszBucket = m_bucket.c_str();
-        config.m_pszAccessKeyId = server.accessKey.c_str();
-        config.m_pszSecretKey = server.secretKey.c_str();
+        CloudStoreConfigInfo config = Test::ConfigFor(m_bucket);
         config.m_pszEndPoint = endpoint.c_str();
-        config.m_bUseHttps = 0;
         config.m_nBufferSize = 1024 * 1024;
         config.m_nThreadCount = threads;
         config.m_nProviderType = provider;

@@ -93,14 +93,7 @@ private:
     static constexpr char kSent[] = "sent";
 
     Test::StorePointer NewStore() const {
-        const Test::S3Server& server = Test::TheS3Server();
-        CloudStoreConfigInfo config;
-        config.m_pszRegion = server.region.c_str();
-        config.m_pszBucket = m_bucket.c_str();
-        config.m_pszAccessKeyId = server.accessKey.c_str();
-        config.m_pszSecretKey = server.secretKey.c_str();
-        config.m_pszEndPoint = server.endpoint.c_str();
-        config.m_bUseHttps = 0;
+        CloudStoreConfigInfo config = Test::ConfigFor(m_bucket);
         config.m_nBufferSize = static_cast<std::int32_t>(kUploaded);
         config.m_nThreadCount = 2;
         Test::StorePointer store(CreateCloudStoreInterface(nullptr));
