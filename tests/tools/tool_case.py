@@ -113,9 +113,11 @@ class Service(http.server.BaseHTTPRequestHandler):
     def do_HEAD(self):
         self.send(self.server.head, b"")
 
-    def send(self, status, body):
+    def send(self, status, body, headers=()):
         self.send_response(status)
         self.send_header("Content-Length", str(len(body)))
+        for name, value in headers:
+            self.send_header(name, value)
         self.end_headers()
         if self.command != "HEAD":
             self.wfile.write(body)
@@ -123,6 +125,16 @@ class Service(http.server.BaseHTTPRequestHandler):
     def range(self):
         first, last = self.headers["Range"].split("=")[1].split("-")
         return int(first), int(last)
+
+    def send_range_of(self, data):
+        """What the request asks for of an object of these bytes."""
+        first, last = self.range()
+        body = data[first:last + 1]
+        if body:
+            place = "bytes %d-%d/%d" % (first, first + len(body) - 1, len(data))
+            self.send(206, body, [("Content-Range", place)])
+        else:
+            self.refuse(416, "InvalidRange")
 
     def refuse(self, status, code):
         self.send(status, ("<?xml version=\"1.0\"?><Error><Code>%s</Code><Message>m</Message>"
