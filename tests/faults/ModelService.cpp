@@ -48,7 +48,7 @@ std::string Ranged(const std::string& bytes, const std::string& range) {
     return first < bytes.size() ? bytes.substr(first, last - first + 1) : std::string();
 }
 
-std::optional<Xml::Element> Parsed(const RecordedRequest& request) {
+std::optional<Xml::Document> Parsed(const RecordedRequest& request) {
     std::string error;
     return Xml::Parse(request.body.data(), request.body.size(), error);
 }
@@ -131,14 +131,14 @@ Answer ModelService::List(const RecordedRequest& request, const std::string& buc
 }
 
 Answer ModelService::DeleteAll(const RecordedRequest& request, const std::string& bucket) {
-    const std::optional<Xml::Element> asked = Parsed(request);
+    const std::optional<Xml::Document> asked = Parsed(request);
     if (!asked) {
         return Malformed();
     }
     Xml::Writer writer;
     writer.Open("DeleteResult");
-    for (const Xml::Element& object : asked->children) {
-        objects.erase(bucket + "/" + object.TextOf("Key"));
+    for (const Xml::Element& object : asked->Root().Children()) {
+        objects.erase(bucket + "/" + std::string(object.TextOf("Key")));
         writer.Open("Deleted");
         writer.Leaf("Key", object.TextOf("Key"));
         writer.Close();
@@ -224,13 +224,13 @@ Answer ModelService::PutPart(const RecordedRequest& request, Upload& upload) {
 
 // A completion that is asked for again is answered again, as services do.
 Answer ModelService::Complete(const RecordedRequest& request, Upload& upload) {
-    const std::optional<Xml::Element> asked = Parsed(request);
+    const std::optional<Xml::Document> asked = Parsed(request);
     if (!asked) {
         return Malformed();
     }
     std::string bytes;
-    for (const Xml::Element& element : asked->children) {
-        const auto part = upload.parts.find(std::stoi(element.TextOf("PartNumber")));
+    for (const Xml::Element& element : asked->Root().Children()) {
+        const auto part = upload.parts.find(std::stoi(std::string(element.TextOf("PartNumber"))));
         if (part == upload.parts.end() || part->second.eTag != element.TextOf("ETag")) {
             return Answer::S3Error(400, "InvalidPart", "A part is not what was sent.");
         }

@@ -221,7 +221,7 @@ TEST(XmlAnswers, DocumentIsParsed) {
     const auto outcome = RunList();
 
     ASSERT_TRUE(outcome.IsSuccess());
-    EXPECT_EQ("n", outcome.GetResult().xml.TextOf("Name"));
+    EXPECT_EQ("n", outcome.GetResult().xml.Root().TextOf("Name"));
     EXPECT_EQ("/?list-type=2&prefix=a%20b&versions", network.Requests().at(0).request.target);
 }
 

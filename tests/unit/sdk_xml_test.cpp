@@ -10,11 +10,15 @@ namespace {
 
 using namespace Mirqos::Xml;
 
-std::optional<Element> ParseText(const std::string& document) {
+std::optional<Document> ParseText(const std::string& document) {
     std::string error;
-    std::optional<Element> root = Parse(document.data(), document.size(), error);
-    EXPECT_EQ(root.has_value(), error.empty()) << error;
-    return root;
+    std::optional<Document> parsed = Parse(document.data(), document.size(), error);
+    EXPECT_EQ(parsed.has_value(), error.empty()) << error;
+    return parsed;
+}
+
+std::vector<Element> ChildrenOf(const Element& element) {
+    return {element.Children().begin(), element.Children().end()};
 }
 
 std::string ErrorOf(const std::string& document) {
@@ -42,49 +46,79 @@ std::string Nested(std::size_t depth) {
 }
 
 TEST(SdkXml, ListingBecomesATree) {
-    const auto root = ParseText(
+    const auto parsed = ParseText(
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<ListBucketResult xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">\n"
         "  <Name>bucket</Name>\n  <!-- a comment -->\n"
         "  <Contents><Key>a</Key><Size>1</Size></Contents>\r\n"
         "  <Contents><Key>b</Key><Size>2</Size></Contents>\n"
         "  <Prefix/>\n</ListBucketResult>\n");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->name, "ListBucketResult");
-    EXPECT_EQ(root->text, "");
-    ASSERT_EQ(root->children.size(), 4u);
-    EXPECT_EQ(root->TextOf("Name"), "bucket");
-    EXPECT_EQ(root->children[1].TextOf("Key"), "a");
-    EXPECT_EQ(root->children[2].TextOf("Key"), "b");
-    EXPECT_EQ(root->Child("Contents"), &root->children[1]);
-    ASSERT_NE(root->Child("Prefix"), nullptr);
-    EXPECT_EQ(root->TextOf("Prefix"), "");
-    EXPECT_EQ(root->Child("Missing"), nullptr);
-    EXPECT_EQ(root->TextOf("Missing"), "");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Name(), "ListBucketResult");
+    EXPECT_EQ(parsed->Root().Text(), "");
+    const std::vector<Element> children = ChildrenOf(parsed->Root());
+    ASSERT_EQ(children.size(), 4u);
+    EXPECT_EQ(parsed->Root().TextOf("Name"), "bucket");
+    EXPECT_EQ(children[1].TextOf("Key"), "a");
+    EXPECT_EQ(children[2].TextOf("Key"), "b");
+    EXPECT_EQ(parsed->Root().Child("Contents").TextOf("Key"), "a");
+    EXPECT_TRUE(parsed->Root().Child("Prefix"));
+    EXPECT_EQ(parsed->Root().TextOf("Prefix"), "");
+    EXPECT_FALSE(parsed->Root().Child("Missing"));
+    EXPECT_EQ(parsed->Root().TextOf("Missing"), "");
 }
 
 TEST(SdkXml, NamesLoseTheirPrefix) {
-    const auto root =
+    const auto parsed =
         ParseText("<s3:A xmlns:s3=\"urn:x\" s3:b=\"1\"><s3:C>t</s3:C><D>u</D></s3:A>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->name, "A");
-    EXPECT_EQ(root->TextOf("C"), "t");
-    EXPECT_EQ(root->TextOf("D"), "u");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Name(), "A");
+    EXPECT_EQ(parsed->Root().TextOf("C"), "t");
+    EXPECT_EQ(parsed->Root().TextOf("D"), "u");
+}
+
+TEST(SdkXml, ChildrenEndWithTheirElement) {
+    const auto parsed = ParseText("<R>\n<A>x<B>1</B>y<B><C/>z</B>w</A> <D>2</D>v\n</R>");
+    ASSERT_TRUE(parsed);
+    const std::vector<Element> children = ChildrenOf(parsed->Root());
+    ASSERT_EQ(children.size(), 2u);
+    EXPECT_EQ(children[0].Name(), "A");
+    EXPECT_EQ(children[0].Text(), "");
+    EXPECT_EQ(children[1].Name(), "D");
+    EXPECT_EQ(children[1].Text(), "2");
+    EXPECT_TRUE(ChildrenOf(children[1]).empty());
+    const std::vector<Element> inner = ChildrenOf(children[0]);
+    ASSERT_EQ(inner.size(), 2u);
+    EXPECT_EQ(inner[0].Text(), "1");
+    EXPECT_EQ(inner[1].Name(), "B");
+    EXPECT_EQ(inner[1].Text(), "");
+    EXPECT_EQ(ChildrenOf(inner[1]).size(), 1u);
+    EXPECT_FALSE(parsed->Root().Child("B"));
+}
+
+TEST(SdkXml, AnElementThatIsNotThereHasNothing) {
+    const Element none = Document().Root();
+    EXPECT_FALSE(none);
+    EXPECT_EQ(none.Name(), "");
+    EXPECT_EQ(none.Text(), "");
+    EXPECT_TRUE(ChildrenOf(none).empty());
+    EXPECT_FALSE(none.Child("A"));
+    EXPECT_EQ(none.TextOf("A"), "");
 }
 
 TEST(SdkXml, LeafTextIsExact) {
-    const auto root = ParseText(
+    const auto parsed = ParseText(
         "<R><Blank>  </Blank><Edge> a b </Edge><Break>x\r\ny\rz</Break>"
         "<Named>&lt;&gt;&amp;&quot;&apos;</Named><CData> <![CDATA[<k>&amp;]]> </CData>"
         "<Mixed>a<!-- gone -->b<?pi gone?>c</Mixed><Tab>\t</Tab></R>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->TextOf("Blank"), "  ");
-    EXPECT_EQ(root->TextOf("Edge"), " a b ");
-    EXPECT_EQ(root->TextOf("Break"), "x\ny\nz");
-    EXPECT_EQ(root->TextOf("Named"), "<>&\"'");
-    EXPECT_EQ(root->TextOf("CData"), " <k>&amp; ");
-    EXPECT_EQ(root->TextOf("Mixed"), "abc");
-    EXPECT_EQ(root->TextOf("Tab"), "\t");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().TextOf("Blank"), "  ");
+    EXPECT_EQ(parsed->Root().TextOf("Edge"), " a b ");
+    EXPECT_EQ(parsed->Root().TextOf("Break"), "x\ny\nz");
+    EXPECT_EQ(parsed->Root().TextOf("Named"), "<>&\"'");
+    EXPECT_EQ(parsed->Root().TextOf("CData"), " <k>&amp; ");
+    EXPECT_EQ(parsed->Root().TextOf("Mixed"), "abc");
+    EXPECT_EQ(parsed->Root().TextOf("Tab"), "\t");
 }
 
 TEST(SdkXml, TextBeyondAsciiArrivesWhereverItStands) {
@@ -96,19 +130,19 @@ TEST(SdkXml, TextBeyondAsciiArrivesWhereverItStands) {
     }
     for (int shift = 0; shift < 10; ++shift) {
         const std::string shifted = std::string(static_cast<std::size_t>(shift), 'x') + text;
-        const auto root = ParseText("<R><K>" + shifted + "</K></R>");
-        ASSERT_TRUE(root);
-        EXPECT_TRUE(root->TextOf("K") == shifted) << shift;
+        const auto parsed = ParseText("<R><K>" + shifted + "</K></R>");
+        ASSERT_TRUE(parsed);
+        EXPECT_TRUE(parsed->Root().TextOf("K") == shifted) << shift;
     }
     const auto reference = ParseText("<R>&#228;&#x20AC;</R>");
     ASSERT_TRUE(reference);
-    EXPECT_EQ(reference->text, "\xC3\xA4\xE2\x82\xAC");
+    EXPECT_EQ(reference->Root().Text(), "\xC3\xA4\xE2\x82\xAC");
 }
 
 TEST(SdkXml, CharacterReferencesKeepTheirCharacter) {
-    const auto root = ParseText("<R>&#13;&#x0D;&#10;&#9;&#65;&#x1F600;&#x10FFFF;</R>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->text, "\r\r\n\tA\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF");
+    const auto parsed = ParseText("<R>&#13;&#x0D;&#10;&#9;&#65;&#x1F600;&#x10FFFF;</R>");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Text(), "\r\r\n\tA\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF");
 }
 
 TEST(SdkXml, CharactersThatXmlDoesNotKnowAreReadAsReferencesAndAsTheyAre) {
@@ -118,38 +152,40 @@ TEST(SdkXml, CharactersThatXmlDoesNotKnowAreReadAsReferencesAndAsTheyAre) {
         references += "&#" + std::to_string(c) + ";";
         expected += c;
     }
-    const auto root =
+    const auto parsed =
         ParseText("<R><K>" + references + "</K><K>&#x1;&#x001f;&#x1F;</K><K>&#xFFFE;" +
                   "&#xffff;</K><K>\xEF\xBF\xBE\xEF\xBF\xBF</K></R>");
-    ASSERT_TRUE(root);
-    ASSERT_EQ(root->children.size(), 4u);
-    EXPECT_EQ(root->children[0].text, expected);
-    EXPECT_EQ(root->children[1].text, "\x01\x1F\x1F");
-    EXPECT_EQ(root->children[2].text, "\xEF\xBF\xBE\xEF\xBF\xBF");
-    EXPECT_EQ(root->children[3].text, "\xEF\xBF\xBE\xEF\xBF\xBF");
+    ASSERT_TRUE(parsed);
+    const std::vector<Element> children = ChildrenOf(parsed->Root());
+    ASSERT_EQ(children.size(), 4u);
+    EXPECT_EQ(children[0].Text(), expected);
+    EXPECT_EQ(children[1].Text(), "\x01\x1F\x1F");
+    EXPECT_EQ(children[2].Text(), "\xEF\xBF\xBE\xEF\xBF\xBF");
+    EXPECT_EQ(children[3].Text(), "\xEF\xBF\xBE\xEF\xBF\xBF");
 }
 
 TEST(SdkXml, TextThatLooksLikeAHiddenCharacterIsExact) {
-    const auto root = ParseText(
+    const auto parsed = ParseText(
         "<R><K>\xEF\xA3\xBF</K><K>&#xF8FF;1;</K><K>\xEF\xA3\xBF"
         "1;&#1;\xEF\xA3\xBF</K></R>");
-    ASSERT_TRUE(root);
-    ASSERT_EQ(root->children.size(), 3u);
-    EXPECT_EQ(root->children[0].text, "\xEF\xA3\xBF");
-    EXPECT_EQ(root->children[1].text,
+    ASSERT_TRUE(parsed);
+    const std::vector<Element> children = ChildrenOf(parsed->Root());
+    ASSERT_EQ(children.size(), 3u);
+    EXPECT_EQ(children[0].Text(), "\xEF\xA3\xBF");
+    EXPECT_EQ(children[1].Text(),
               "\xEF\xA3\xBF"
               "1;");
-    EXPECT_EQ(root->children[2].text,
+    EXPECT_EQ(children[2].Text(),
               "\xEF\xA3\xBF"
               "1;\x01\xEF\xA3\xBF");
 }
 
 TEST(SdkXml, ReferencesAreNoneInCData) {
-    const auto root = ParseText(
+    const auto parsed = ParseText(
         "<R>&#1;<![CDATA[&#1;\xEF\xA3\xBF"
         "1;\xEF\xBF\xBE<![CDATA[]]>&#2;</R>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->text,
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Text(),
               "\x01&#1;\xEF\xA3\xBF"
               "1;\xEF\xBF\xBE<![CDATA[\x02");
 }
@@ -165,17 +201,17 @@ TEST(SdkXml, AReferenceOutsideTheRootOrInATagMakesNoDocument) {
 TEST(SdkXml, DeclaredEncodingDoesNotMatter) {
     for (const char* encoding : {"UTF-8", "utf-8", "ISO-8859-1", "UTF-16", "no-such-encoding"}) {
         SCOPED_TRACE(encoding);
-        const auto root = ParseText(std::string("<?xml version=\"1.0\" encoding=\"") + encoding +
-                                    "\"?>\n<R>\xC3\xA4</R>");
-        ASSERT_TRUE(root);
-        EXPECT_EQ(root->text, "\xC3\xA4");
+        const auto parsed = ParseText(std::string("<?xml version=\"1.0\" encoding=\"") + encoding +
+                                      "\"?>\n<R>\xC3\xA4</R>");
+        ASSERT_TRUE(parsed);
+        EXPECT_EQ(parsed->Root().Text(), "\xC3\xA4");
     }
 }
 
 TEST(SdkXml, ByteOrderMarkIsNoText) {
-    const auto root = ParseText("\xEF\xBB\xBF<R>t</R>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->text, "t");
+    const auto parsed = ParseText("\xEF\xBB\xBF<R>t</R>");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Text(), "t");
 }
 
 TEST(SdkXml, EmptyDocumentIsRefused) {
@@ -301,18 +337,18 @@ TEST(SdkXml, NumberOfElementsIsBounded) {
     for (std::size_t i = 1; i < kMaxElements; ++i) {
         document += "<b/>";
     }
-    const auto root = ParseText(document + "</a>");
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->children.size(), kMaxElements - 1);
+    const auto parsed = ParseText(document + "</a>");
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(ChildrenOf(parsed->Root()).size(), kMaxElements - 1);
     ErrorOf(document + "<b/></a>");
 }
 
 TEST(SdkXml, SizeIsBounded) {
     std::string document = "<a>" + std::string(kMaxBytes - 7, 'x') + "</a>";
     ASSERT_EQ(document.size(), kMaxBytes);
-    const auto root = ParseText(document);
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->text.size(), kMaxBytes - 7);
+    const auto parsed = ParseText(document);
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().Text().size(), kMaxBytes - 7);
     document.insert(3, "x");
     EXPECT_EQ(ErrorOf(document), "document too large");
 }
@@ -339,9 +375,9 @@ TEST(SdkXml, WhatTheWriterWroteIsReadBack) {
     Writer writer;
     writer.Open("R");
     writer.Leaf("K", text);
-    const auto root = ParseText(writer.Take());
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->TextOf("K"), text);
+    const auto parsed = ParseText(writer.Take());
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->Root().TextOf("K"), text);
 }
 
 }  // namespace

@@ -26,9 +26,9 @@ TEST(XmlTreeBuilder, TextOutsideTheRootBelongsToNothing) {
     EXPECT_TRUE(tree.Text("before"));
     EXPECT_TRUE(tree.Start("R") && tree.Text("inside") && tree.End());
     EXPECT_TRUE(tree.Text("behind"));
-    const auto root = tree.Take();
-    ASSERT_TRUE(root);
-    EXPECT_EQ(root->text, "inside");
+    const auto document = tree.Take();
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->Root().Text(), "inside");
 }
 
 TEST(XmlTreeBuilder, ATreeWithoutItsEndIsNotGivenOut) {

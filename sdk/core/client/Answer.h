@@ -15,7 +15,7 @@ namespace Mirqos::Client {
 /// A successful answer: what results are made from.
 struct Answer {
     Http::ResponseHead head;
-    Xml::Element xml;                           ///< the root, for ResponseKind::xml
+    Xml::Document xml;                          ///< for ResponseKind::xml
     Aws::Utils::Stream::ResponseStream stream;  ///< the body, for ResponseKind::stream
     std::uint64_t bodyBytes = 0;                ///< offered to the stream, taken or not
 

@@ -309,7 +309,7 @@ Pipeline::Outcome Pipeline::Judge(const Call& call, ResponseReceiver& receiver) 
 
 std::optional<Error> Pipeline::ReadDocument(const WireRequest& wire,
                                             const ResponseReceiver& receiver,
-                                            Xml::Element& document) const {
+                                            Xml::Document& document) const {
     if (receiver.TextExceedsBound()) {
         return DocumentError("The answer is larger than can be read.");
     }
@@ -321,23 +321,24 @@ std::optional<Error> Pipeline::ReadDocument(const WireRequest& wire,
         return std::nullopt;
     }
     std::string parseError;
-    std::optional<Xml::Element> root =
+    std::optional<Xml::Document> parsed =
         Xml::Parse(text.data() + start, text.size() - start, parseError);
-    if (!root) {
+    if (!parsed) {
         return DocumentError(parseError);
     }
-    if (root->name == "Error") {
-        return ErrorFromCode(receiver.Head().status, root->TextOf("Code"), root->TextOf("Message"),
+    const Xml::Element root = parsed->Root();
+    if (root.Name() == "Error") {
+        return ErrorFromCode(receiver.Head().status, root.TextOf("Code"), root.TextOf("Message"),
                              m_service.errorLookup);
     }
     // Where nothing is expected, a document is passed over, but a page for people is not a success:
     // something between here and the service gave it.
-    if (expected ? root->name != wire.xmlRoot : Http::EqualNoCase(root->name, "html")) {
+    if (expected ? root.Name() != wire.xmlRoot : Http::EqualNoCase(root.Name(), "html")) {
         return DocumentError("The answer is not " +
                              (expected ? "a " + wire.xmlRoot + " document" : "a service's") +
-                             ", but \"" + root->name + "\".");
+                             ", but \"" + std::string(root.Name()) + "\".");
     }
-    document = std::move(*root);
+    document = std::move(*parsed);
     return std::nullopt;
 }
 

@@ -61,7 +61,7 @@ private:
     Outcome Judge(const Call& call, ResponseReceiver& receiver) const;
     /// Reads a successful answer's document into `document`, or tells why it is no success.
     std::optional<Error> ReadDocument(const WireRequest& wire, const ResponseReceiver& receiver,
-                                      Xml::Element& document) const;
+                                      Xml::Document& document) const;
     std::optional<Error> Prepare(Call& call) const;
     Http::Request Message(const Call& call) const;
     bool MayRetry(const Error& error, long retries) const;

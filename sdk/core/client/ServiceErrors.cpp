@@ -73,13 +73,12 @@ CoreErrors TypeFromStatus(int status) {
 }
 
 /// Some services wrap the error and keep a list of them.
-const Xml::Element* FindErrorElement(const Xml::Element& root) {
-    if (root.name == "Error") {
-        return &root;
+Xml::Element FindErrorElement(const Xml::Element& root) {
+    if (root.Name() == "Error") {
+        return root;
     }
-    const Xml::Element* const list = root.Child("Errors");
-    const Xml::Element* const inner = list != nullptr ? list->Child("Error") : root.Child("Error");
-    return inner;
+    const Xml::Element list = root.Child("Errors");
+    return list ? list.Child("Error") : root.Child("Error");
 }
 
 }  // namespace
@@ -110,19 +109,19 @@ Error ErrorFromAnswer(int status, const std::string& body, ErrorLookup service) 
                          IsRetryableStatus(status));
     }
     std::string parseError;
-    const std::optional<Xml::Element> root = Xml::Parse(body.data(), body.size(), parseError);
-    const Xml::Element* const error = root ? FindErrorElement(*root) : nullptr;
-    if (error == nullptr || error->TextOf("Code").empty()) {
+    const std::optional<Xml::Document> parsed = Xml::Parse(body.data(), body.size(), parseError);
+    const Xml::Element error = parsed ? FindErrorElement(parsed->Root()) : Xml::Element();
+    if (error.TextOf("Code").empty()) {
         return MakeError(TypeFromStatus(status), "",
                          "The response body is not an error document" +
-                             (root ? std::string() : " (" + parseError + ")") +
+                             (parsed ? std::string() : " (" + parseError + ")") +
                              ". Response code: " + statusText,
                          IsRetryableStatus(status));
     }
-    return ErrorFromCode(status, error->TextOf("Code"), error->TextOf("Message"), service);
+    return ErrorFromCode(status, error.TextOf("Code"), error.TextOf("Message"), service);
 }
 
-Error ErrorFromCode(int status, const std::string& code, const std::string& message,
+Error ErrorFromCode(int status, std::string_view code, std::string_view message,
                     ErrorLookup service) {
     std::optional<KnownError> known = service(code);
     if (!known) {
@@ -130,7 +129,8 @@ Error ErrorFromCode(int status, const std::string& code, const std::string& mess
     }
     if (!known) {
         return MakeError(CoreErrors::UNKNOWN, code,
-                         "Unable to parse ExceptionName: " + code + " Message: " + message,
+                         "Unable to parse ExceptionName: " + std::string(code) +
+                             " Message: " + std::string(message),
                          IsRetryableStatus(status));
     }
     return MakeError(known->type, code, message, known->retryable || IsRetryableStatus(status));

@@ -34,7 +34,7 @@ bool IsRetryableStatus(int status);
 Error ErrorFromAnswer(int status, const std::string& body, ErrorLookup service);
 
 /// The error that the document `code`, `message` reports under `status`.
-Error ErrorFromCode(int status, const std::string& code, const std::string& message,
+Error ErrorFromCode(int status, std::string_view code, std::string_view message,
                     ErrorLookup service);
 
 /// Errors found on this side. `exceptionName` may be empty.

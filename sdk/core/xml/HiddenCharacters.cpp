@@ -122,15 +122,14 @@ std::string_view HideCharacters(std::string_view document, std::string& room) {
     return room;
 }
 
-void RestoreCharacters(std::string& text) {
-    std::size_t at = text.find(kMark);
-    if (at == npos) {
+void RestoreCharacters(std::string& text, std::size_t from) {
+    if (text.find(kMark, from) == npos) {
         return;
     }
-    const std::string hidden = std::move(text);
-    text.clear();
+    const std::string hidden = text.substr(from);
+    text.resize(from);
     std::size_t done = 0;
-    for (; at != npos; at = hidden.find(kMark, done)) {
+    for (std::size_t at; (at = hidden.find(kMark, done)) != npos;) {
         const auto found = ReadNumber(std::string_view(hidden).substr(at + kMark.size()), 16);
         text.append(hidden, done, at - done);
         done = at + kMark.size();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,7 @@ namespace Mirqos::Xml {
 /// The document with these characters hidden: itself where there are none, else a copy in `room`.
 std::string_view HideCharacters(std::string_view document, std::string& room);
 
-/// Puts the hidden characters of an element's whole text back.
-void RestoreCharacters(std::string& text);
+/// Puts the hidden characters back into an element's whole text, which begins at `from`.
+void RestoreCharacters(std::string& text, std::size_t from);
 
 }  // namespace Mirqos::Xml

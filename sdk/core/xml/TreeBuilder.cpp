@@ -1,15 +1,10 @@
 #include "sdk/core/xml/TreeBuilder.h"
 
+#include <utility>
+
 #include "sdk/core/xml/HiddenCharacters.h"
 
 namespace Mirqos::Xml {
-namespace {
-
-/// An entry of a listing has some five children, and growing into them one by one takes longer than
-/// to parse them.
-constexpr std::size_t kUsualChildren = 8;
-
-}  // namespace
 
 bool TreeBuilder::Refuse(const char* why) {
     m_error = why;
@@ -17,28 +12,33 @@ bool TreeBuilder::Refuse(const char* why) {
 }
 
 bool TreeBuilder::Start(std::string_view localName) {
-    if (m_root) {
+    if (RootHasEnded()) {
         return Refuse("more than one root element");
     }
     if (m_open.size() == kMaxDepth) {
         return Refuse("elements nested too deeply");
     }
-    if (++m_elements > kMaxElements) {
+    std::vector<Document::Node>& nodes = m_document.m_nodes;
+    std::string& characters = m_document.m_characters;
+    if (nodes.size() == kMaxElements) {
         return Refuse("too many elements");
     }
-    m_open.emplace_back();
-    m_open.back().name = localName;
+    if (InLeaf()) {
+        // It is none any more, and beside children there is nothing but indentation.
+        characters.resize(nodes.back().text);
+    }
+    const std::size_t name = characters.size();
+    const std::size_t text = name + localName.size();
+    m_open.push_back(nodes.size());
+    nodes.push_back({name, text, text, 0});
+    characters.append(localName);
     return true;
 }
 
 bool TreeBuilder::Text(std::string_view text) {
-    if (m_open.empty()) {
-        // Only white space can stand outside the root; the parsers see to that.
-        return true;
-    }
-    // Beside children there is nothing but indentation.
-    if (m_open.back().children.empty()) {
-        m_open.back().text.append(text);
+    // Only white space can stand outside the root; the parsers see to that.
+    if (InLeaf()) {
+        m_document.m_characters.append(text);
     }
     return true;
 }
@@ -47,24 +47,19 @@ bool TreeBuilder::End() {
     if (m_open.empty()) {
         return Refuse("an end without a start");
     }
-    Element done = std::move(m_open.back());
-    m_open.pop_back();
-    RestoreCharacters(done.text);
-    if (m_open.empty()) {
-        m_root = std::move(done);
-    } else {
-        m_open.back().text.clear();
-        std::vector<Element>& children = m_open.back().children;
-        if (children.empty()) {
-            children.reserve(kUsualChildren);
-        }
-        children.push_back(std::move(done));
+    std::vector<Document::Node>& nodes = m_document.m_nodes;
+    std::string& characters = m_document.m_characters;
+    if (InLeaf()) {
+        RestoreCharacters(characters, nodes.back().text);
+        nodes.back().textEnd = characters.size();
     }
+    nodes[m_open.back()].following = nodes.size();
+    m_open.pop_back();
     return true;
 }
 
-std::optional<Element> TreeBuilder::Take() {
-    return std::move(m_root);
+std::optional<Document> TreeBuilder::Take() {
+    return RootHasEnded() ? std::optional(std::move(m_document)) : std::nullopt;
 }
 
 }  // namespace Mirqos::Xml

@@ -9,7 +9,7 @@
 
 namespace Mirqos::Xml {
 
-/// Makes the tree from a parser's events, on a stack of its own, and keeps the bounds. After a call
+/// Makes the tree from a parser's events and keeps the bounds. After a call
 /// that answered false the document is refused and Error() tells why.
 class TreeBuilder {
 public:
@@ -21,13 +21,18 @@ public:
     bool Refuse(const char* why);
 
     const std::string& Error() const { return m_error; }
-    /// The root, once its end was seen; nothing before. Once only.
-    std::optional<Element> Take();
+    /// The document, once the end of its root was seen; nothing before. Once only.
+    std::optional<Document> Take();
 
 private:
-    std::vector<Element> m_open;
-    std::optional<Element> m_root;
-    std::size_t m_elements = 0;
+    bool RootHasEnded() const { return m_open.empty() && !m_document.m_nodes.empty(); }
+    /// Whether the element opened last is open and has no children so far.
+    bool InLeaf() const {
+        return !m_open.empty() && m_open.back() + 1 == m_document.m_nodes.size();
+    }
+
+    Document m_document;
+    std::vector<std::size_t> m_open;  ///< places of the nodes whose end was not seen
     std::string m_error;
 };
 

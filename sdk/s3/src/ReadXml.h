@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
-#include <string>
 #include <string_view>
 
 #include "sdk/core/xml/Xml.h"
@@ -16,12 +15,13 @@ namespace Mirqos::S3 {
 /// A value, made from its element, for each child called `name`, in their order.
 template <typename Value>
 Aws::Vector<Value> ReadAll(const Xml::Element& parent, std::string_view name) {
+    const Xml::Element::Range children = parent.Children();
     Aws::Vector<Value> values;
     values.reserve(static_cast<std::size_t>(
-        std::count_if(parent.children.begin(), parent.children.end(),
-                      [&](const Xml::Element& child) { return child.name == name; })));
-    for (const Xml::Element& child : parent.children) {
-        if (child.name == name) {
+        std::count_if(children.begin(), children.end(),
+                      [&](const Xml::Element& child) { return child.Name() == name; })));
+    for (const Xml::Element& child : children) {
+        if (child.Name() == name) {
             values.emplace_back(child);
         }
     }
@@ -29,7 +29,7 @@ Aws::Vector<Value> ReadAll(const Xml::Element& parent, std::string_view name) {
 }
 
 /// A size in bytes in decimal; 0 for anything else.
-inline long long SizeOf(const std::string& text) {
+inline long long SizeOf(std::string_view text) {
     long long size = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, problem] = std::from_chars(text.data(), end, size);

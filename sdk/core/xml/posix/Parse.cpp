@@ -1,5 +1,6 @@
 #include <expat.h>
 
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
@@ -45,10 +46,8 @@ Context& Of(void* userData) {
 void XMLCALL OnStart(void* userData, const XML_Char* name, const XML_Char** /*attributes*/) {
     Context& context = Of(userData);
     context.Handle([&] {
-        const std::string_view full(name);
-        const auto separator = full.rfind(kSeparator);
-        return context.builder.Start(
-            separator == std::string_view::npos ? full : full.substr(separator + 1));
+        const XML_Char* const separator = std::strrchr(name, kSeparator);
+        return context.builder.Start(separator == nullptr ? name : separator + 1);
     });
 }
 
@@ -70,7 +69,7 @@ void XMLCALL OnDoctype(void* userData, const XML_Char* /*name*/, const XML_Char*
 
 }  // namespace
 
-std::optional<Element> Parse(const char* data, std::size_t size, std::string& error) {
+std::optional<Document> Parse(const char* data, std::size_t size, std::string& error) {
     if (size == 0 || size > kMaxBytes) {
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;

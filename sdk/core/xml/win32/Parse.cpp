@@ -186,7 +186,7 @@ private:
 
 }  // namespace
 
-std::optional<Element> Parse(const char* data, std::size_t size, std::string& error) {
+std::optional<Document> Parse(const char* data, std::size_t size, std::string& error) {
     if (size == 0 || size > kMaxBytes) {
         error = size == 0 ? "empty document" : "document too large";
         return std::nullopt;
@@ -227,11 +227,11 @@ std::optional<Element> Parse(const char* data, std::size_t size, std::string& er
         error = reading.Error();
         return std::nullopt;
     }
-    std::optional<Element> root = builder.Take();
-    if (!root) {
+    std::optional<Document> parsed = builder.Take();
+    if (!parsed) {
         error = "the document ends too early";
     }
-    return root;
+    return parsed;
 }
 
 }  // namespace Mirqos::Xml

@@ -18,7 +18,7 @@ CopyObjectResultDetails::CopyObjectResultDetails(const Mirqos::Xml::Element& ele
 }
 
 CopyObjectResult::CopyObjectResult(Mirqos::Client::Answer&& answer)
-    : m_copyObjectResultDetails(answer.xml) {
+    : m_copyObjectResultDetails(answer.xml.Root()) {
 }
 
 }  // namespace Aws::S3::Model

@@ -33,7 +33,7 @@ DeletedObject::DeletedObject(const Mirqos::Xml::Element& element)
 }
 
 DeleteObjectsResult::DeleteObjectsResult(Mirqos::Client::Answer&& answer)
-    : m_deleted(Mirqos::S3::ReadAll<DeletedObject>(answer.xml, "Deleted")) {
+    : m_deleted(Mirqos::S3::ReadAll<DeletedObject>(answer.xml.Root(), "Deleted")) {
 }
 
 }  // namespace Aws::S3::Model

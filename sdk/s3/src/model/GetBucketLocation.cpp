@@ -15,7 +15,7 @@ Mirqos::Client::WireRequest GetBucketLocationRequest::Describe() const {
 
 GetBucketLocationResult::GetBucketLocationResult(Mirqos::Client::Answer&& answer)
     : m_locationConstraint(BucketLocationConstraintMapper::GetBucketLocationConstraintForName(
-          Mirqos::ToAws(answer.xml.text))) {
+          Mirqos::ToAws(answer.xml.Root().Text()))) {
 }
 
 }  // namespace Aws::S3::Model

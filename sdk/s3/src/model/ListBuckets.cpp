@@ -18,10 +18,8 @@ Bucket::Bucket(const Mirqos::Xml::Element& element)
     : m_name(Mirqos::ToAws(element.TextOf("Name"))) {
 }
 
-ListBucketsResult::ListBucketsResult(Mirqos::Client::Answer&& answer) {
-    if (const auto* buckets = answer.xml.Child("Buckets")) {
-        m_buckets = Mirqos::S3::ReadAll<Bucket>(*buckets, "Bucket");
-    }
+ListBucketsResult::ListBucketsResult(Mirqos::Client::Answer&& answer)
+    : m_buckets(Mirqos::S3::ReadAll<Bucket>(answer.xml.Root().Child("Buckets"), "Bucket")) {
 }
 
 }  // namespace Aws::S3::Model

@@ -26,9 +26,9 @@ MultipartUpload::MultipartUpload(const Mirqos::Xml::Element& element)
 }
 
 ListMultipartUploadsResult::ListMultipartUploadsResult(Mirqos::Client::Answer&& answer)
-    : m_uploads(Mirqos::S3::ReadAll<MultipartUpload>(answer.xml, "Upload")),
-      m_isTruncated(answer.xml.TextOf("IsTruncated") == "true"),
-      m_nextKeyMarker(Mirqos::ToAws(answer.xml.TextOf("NextKeyMarker"))) {
+    : m_uploads(Mirqos::S3::ReadAll<MultipartUpload>(answer.xml.Root(), "Upload")),
+      m_isTruncated(answer.xml.Root().TextOf("IsTruncated") == "true"),
+      m_nextKeyMarker(Mirqos::ToAws(answer.xml.Root().TextOf("NextKeyMarker"))) {
 }
 
 }  // namespace Aws::S3::Model

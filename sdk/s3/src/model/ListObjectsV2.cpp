@@ -29,9 +29,9 @@ Object::Object(const Mirqos::Xml::Element& element)
 }
 
 ListObjectsV2Result::ListObjectsV2Result(Mirqos::Client::Answer&& answer)
-    : m_contents(Mirqos::S3::ReadAll<Object>(answer.xml, "Contents")),
-      m_isTruncated(answer.xml.TextOf("IsTruncated") == "true"),
-      m_nextContinuationToken(Mirqos::ToAws(answer.xml.TextOf("NextContinuationToken"))) {
+    : m_contents(Mirqos::S3::ReadAll<Object>(answer.xml.Root(), "Contents")),
+      m_isTruncated(answer.xml.Root().TextOf("IsTruncated") == "true"),
+      m_nextContinuationToken(Mirqos::ToAws(answer.xml.Root().TextOf("NextContinuationToken"))) {
 }
 
 }  // namespace Aws::S3::Model

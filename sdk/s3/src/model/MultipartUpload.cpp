@@ -19,7 +19,7 @@ Mirqos::Client::WireRequest CreateMultipartUploadRequest::Describe() const {
 }
 
 CreateMultipartUploadResult::CreateMultipartUploadResult(Mirqos::Client::Answer&& answer)
-    : m_uploadId(Mirqos::ToAws(answer.xml.TextOf("UploadId"))) {
+    : m_uploadId(Mirqos::ToAws(answer.xml.Root().TextOf("UploadId"))) {
 }
 
 void CompletedPart::Write(Mirqos::Xml::Writer& writer) const {
@@ -46,7 +46,7 @@ Mirqos::Client::WireRequest CompleteMultipartUploadRequest::Describe() const {
 }
 
 CompleteMultipartUploadResult::CompleteMultipartUploadResult(Mirqos::Client::Answer&& answer)
-    : m_eTag(Mirqos::ToAws(answer.xml.TextOf("ETag"))) {
+    : m_eTag(Mirqos::ToAws(answer.xml.Root().TextOf("ETag"))) {
 }
 
 Mirqos::Client::WireRequest AbortMultipartUploadRequest::Describe() const {

@@ -50,10 +50,8 @@ Mirqos::Client::WireRequest GetObjectTaggingRequest::Describe() const {
     return wire;
 }
 
-GetObjectTaggingResult::GetObjectTaggingResult(Mirqos::Client::Answer&& answer) {
-    if (const auto* tags = answer.xml.Child("TagSet")) {
-        m_tagSet = Mirqos::S3::ReadAll<Tag>(*tags, "Tag");
-    }
+GetObjectTaggingResult::GetObjectTaggingResult(Mirqos::Client::Answer&& answer)
+    : m_tagSet(Mirqos::S3::ReadAll<Tag>(answer.xml.Root().Child("TagSet"), "Tag")) {
 }
 
 }  // namespace Aws::S3::Model

@@ -48,7 +48,7 @@ CopyPartResult::CopyPartResult(const Mirqos::Xml::Element& element)
 }
 
 UploadPartCopyResult::UploadPartCopyResult(Mirqos::Client::Answer&& answer)
-    : m_copyPartResult(answer.xml) {
+    : m_copyPartResult(answer.xml.Root()) {
 }
 
 }  // namespace Aws::S3::Model

@@ -5,7 +5,7 @@
 #include <utility>
 
 namespace Mirqos::Xml {
-struct Element;
+class Element;
 }
 
 namespace Aws::S3::Model {

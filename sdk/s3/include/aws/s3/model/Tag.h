@@ -6,7 +6,7 @@
 
 namespace Mirqos::Xml {
 class Writer;
-struct Element;
+class Element;
 }  // namespace Mirqos::Xml
 
 namespace Aws::S3::Model {
