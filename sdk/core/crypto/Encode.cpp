@@ -4,11 +4,10 @@ namespace Mirqos::Crypto {
 
 std::string ToHex(const std::uint8_t* data, std::size_t size) {
     static constexpr char digits[] = "0123456789abcdef";
-    std::string text;
-    text.reserve(size * 2);
+    std::string text(size * 2, '0');
     for (std::size_t i = 0; i < size; ++i) {
-        text += digits[data[i] >> 4];
-        text += digits[data[i] & 15];
+        text[2 * i] = digits[data[i] >> 4];
+        text[2 * i + 1] = digits[data[i] & 15];
     }
     return text;
 }

@@ -87,8 +87,10 @@ std::string CredentialScope(const std::string& day, const Scope& scope) {
     return day + '/' + scope.region + '/' + scope.service + '/' + kTerminator;
 }
 
-std::string Day(const Scope& scope) {
-    return FormatAmzDate(scope.time).substr(0, kDayLength);
+std::string TextToSign(const std::string& canonicalRequest, const std::string& time,
+                       const std::string& credentialScope) {
+    return std::string(kAlgorithm) + '\n' + time + '\n' + credentialScope + '\n' +
+           Sha256Hex(canonicalRequest);
 }
 
 }  // namespace
@@ -109,8 +111,8 @@ std::string CanonicalRequest(const Signable& request) {
 }
 
 std::string StringToSign(const std::string& canonicalRequest, const Scope& scope) {
-    return std::string(kAlgorithm) + '\n' + FormatAmzDate(scope.time) + '\n' +
-           CredentialScope(Day(scope), scope) + '\n' + Sha256Hex(canonicalRequest);
+    const std::string time = FormatAmzDate(scope.time);
+    return TextToSign(canonicalRequest, time, CredentialScope(time.substr(0, kDayLength), scope));
 }
 
 SignatureV4::SignatureV4(std::string accessKeyId, std::string secretKey)
@@ -118,18 +120,19 @@ SignatureV4::SignatureV4(std::string accessKeyId, std::string secretKey)
 }
 
 std::string SignatureV4::Authorization(const Signable& request, const Scope& scope) const {
-    const std::string day = Day(scope);
-    const Crypto::Sha256Digest key = SigningKey(day, scope);
+    const std::string time = FormatAmzDate(scope.time);
+    const std::string day = time.substr(0, kDayLength);
+    const std::string credentialScope = CredentialScope(day, scope);
+    const Crypto::Sha256Digest key = SigningKey(day, scope, credentialScope);
     const CanonicalHeaders headers = Canonical(request.headers);
-    const std::string signature = Crypto::ToHex(
-        Hmac(key.data(), key.size(), StringToSign(CanonicalText(request, headers), scope)));
-    return std::string(kAlgorithm) + " Credential=" + m_accessKeyId + '/' +
-           CredentialScope(day, scope) + ", SignedHeaders=" + headers.names +
-           ", Signature=" + signature;
+    const std::string toSign = TextToSign(CanonicalText(request, headers), time, credentialScope);
+    return std::string(kAlgorithm) + " Credential=" + m_accessKeyId + '/' + credentialScope +
+           ", SignedHeaders=" + headers.names +
+           ", Signature=" + Crypto::ToHex(Hmac(key.data(), key.size(), toSign));
 }
 
-Crypto::Sha256Digest SignatureV4::SigningKey(const std::string& day, const Scope& scope) const {
-    const std::string credentialScope = CredentialScope(day, scope);
+Crypto::Sha256Digest SignatureV4::SigningKey(const std::string& day, const Scope& scope,
+                                             const std::string& credentialScope) const {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (m_cachedScope == credentialScope) {

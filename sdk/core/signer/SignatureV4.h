@@ -44,7 +44,8 @@ public:
     std::string Authorization(const Signable& request, const Scope& scope) const;
 
 private:
-    Crypto::Sha256Digest SigningKey(const std::string& day, const Scope& scope) const;
+    Crypto::Sha256Digest SigningKey(const std::string& day, const Scope& scope,
+                                    const std::string& credentialScope) const;
 
     const std::string m_accessKeyId;
     const std::string m_secretKey;
