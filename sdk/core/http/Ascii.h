@@ -40,6 +40,13 @@ inline bool IsToken(std::string_view text) {
     return !text.empty();
 }
 
+/// Whether `text` holds what some reader of HTTP takes for the end of a line.
+inline bool HasLineBreak(std::string_view text) {
+    // not find_first_of, which searches the set anew for each character: this sees every header
+    const auto has = [text](char c) { return text.find(c) != std::string_view::npos; };
+    return has('\r') || has('\n') || has('\0');
+}
+
 inline std::string_view TrimBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t");
     if (first == std::string_view::npos) {

@@ -29,8 +29,7 @@ HeadReader::State HeadReader::AddLine(std::string_view line) {
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
-    if (line.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
-        // other readers end the line there
+    if (HasLineBreak(line)) {
         return Refuse("the answer's head holds a control character");
     }
     if (!m_statusRead) {

@@ -12,12 +12,6 @@ bool IsVisible(char c) {
     return c > 0x20 && c < 0x7f;
 }
 
-bool HasLineBreak(const std::string& text) {
-    // not find_first_of, which searches the set anew for each character: this sees every header
-    return std::any_of(text.begin(), text.end(),
-                       [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
-}
-
 bool IsHost(const std::string& host) {
     return !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
         return IsVisible(c) && std::string_view("/\\?#@%\"<>").find(c) == std::string_view::npos;

@@ -334,14 +334,16 @@ std::string EasyExchange::Words(CURLcode code) const {
 }
 
 Result EasyExchange::Conclude() {
-    const std::string sent =
-        std::to_string(m_sent) + " of " + std::to_string(m_body.Length()) + " body bytes sent";
+    const auto sent = [this] {
+        return std::to_string(m_sent) + " of " + std::to_string(m_body.Length()) +
+               " body bytes sent";
+    };
     if (m_timedOut) {
         const char* const doing = m_ledger             ? "while receiving the answer's body"
                                   : m_body.Left() != 0 ? "while sending"
                                                        : "while waiting for the answer's head";
         return {Failure::timeout, "nothing moved for " + std::to_string(m_limits.stall.count()) +
-                                      " ms " + doing + ", " + sent};
+                                      " ms " + doing + ", " + sent()};
     }
     switch (m_stop) {
         case Stop::enough:
@@ -349,7 +351,7 @@ Result EasyExchange::Conclude() {
         case Stop::refusedHead:
             return {Failure::receive, m_head.Error()};
         case Stop::bodyShort:
-            return {Failure::send, "the request's body ended early, " + sent};
+            return {Failure::send, "the request's body ended early, " + sent()};
         case Stop::none:
         case Stop::threw:
             break;
