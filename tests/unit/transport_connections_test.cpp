@@ -61,6 +61,44 @@ TEST(TransportConnections, AreReusedOneAfterAnother) {
     EXPECT_EQ(server.Accepts(), 1);
 }
 
+TEST(TransportConnections, AnExchangeShowsNothingOfTheOneBefore) {
+    std::string seen;  // by one request at a time
+    RawServer server([&](Connection& connection, int) {
+        for (;;) {
+            seen = connection.ReadHead();
+            seen += seen.find("Content-Length: 4") != std::string::npos ? connection.Read(4) : "";
+            const std::string hello = kHello;
+            connection.Send(seen.compare(0, 4, "HEAD") == 0 ? hello.substr(0, hello.size() - 5)
+                                                            : hello);
+        }
+    });
+    const auto transport = NewTransport(1);
+    const auto exchange = [&](Http::Transport& by, const std::string& method) {
+        std::istringstream body("body");
+        Http::Request request = LoopbackRequest(server.Port(), method, "/b/" + method);
+        request.headers.emplace_back("x-" + method, method);
+        if (method == "PUT") {
+            request.body = &body;
+            request.bodyLength = 4;
+        }
+        KeptAnswer answer;
+        const Http::Result result = by.Exchange(request, Ample(), answer);
+        EXPECT_EQ(result.failure, Failure::none) << result.message;
+        EXPECT_EQ(answer.body, method == "HEAD" ? "" : "hello");
+        return seen;
+    };
+    const std::vector<std::string> methods = {"GET", "PUT", "HEAD", "POST", "DELETE"};
+    for (const std::string& method : methods) {
+        const std::string alone = exchange(*NewTransport(1), method);
+        for (const std::string& before : methods) {
+            SCOPED_TRACE(method + " after " + before);
+            exchange(*transport, before);
+            EXPECT_EQ(exchange(*transport, method), alone);
+        }
+    }
+    EXPECT_LE(server.Accepts(), static_cast<int>(methods.size()) + 1);
+}
+
 TEST(TransportConnections, StayWithinTheirNumber) {
     std::atomic<int> atOnce{0};
     std::atomic<int> most{0};

@@ -11,10 +11,6 @@
 namespace Mirqos::Http {
 namespace {
 
-// Measured on loopback: below these sizes system calls cost throughput, above nothing is gained.
-constexpr long kSendBuffer = 1024 * 1024;
-constexpr long kReceiveBuffer = 512 * 1024;
-
 CertificateTrouble TroubleOf(CURLcode code, long verifyResult) {
     switch (verifyResult) {
         case X509_V_OK:
@@ -71,21 +67,18 @@ std::string InUrl(const std::string& host) {
 
 }  // namespace
 
-EasyExchange::EasyExchange(EasySlot& slot, const TransportOptions& options, const Request& request,
-                           const Limits& limits, RequestBody& body, Receiver& receiver)
-    : m_slot(slot),
-      m_options(options),
-      m_request(request),
-      m_limits(limits),
-      m_body(body),
-      m_receiver(receiver) {
+EasyExchange::EasyExchange(EasySlot& slot, const Request& request, const Limits& limits,
+                           RequestBody& body, Receiver& receiver)
+    : m_slot(slot), m_request(request), m_limits(limits), m_body(body), m_receiver(receiver) {
 }
 
 EasyExchange::~EasyExchange() {
     m_slot.keepUnread = false;
     // an unfinished transfer closes its connection here
     curl_multi_remove_handle(m_slot.multi, m_slot.easy);
-    curl_easy_reset(m_slot.easy);
+    curl_easy_setopt(m_slot.easy, CURLOPT_HTTPHEADER, nullptr);
+    curl_easy_setopt(m_slot.easy, CURLOPT_CONNECT_TO, nullptr);
+    curl_easy_setopt(m_slot.easy, CURLOPT_ERRORBUFFER, nullptr);
 }
 
 /// libcurl is C: nothing may be thrown through it.
@@ -111,13 +104,12 @@ void EasyExchange::AddHeader(const std::string& line) {
 
 void EasyExchange::SetMethod() {
     CURL* const easy = m_slot.easy;
+    curl_easy_setopt(easy, CURLOPT_HTTPGET, 1L);  // undoes what the exchange before asked for
     if (AnnouncesLength(m_request)) {
         curl_easy_setopt(easy, CURLOPT_UPLOAD, 1L);
         curl_easy_setopt(easy, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(m_body.Length()));
     } else if (m_request.method == "HEAD") {
         curl_easy_setopt(easy, CURLOPT_NOBODY, 1L);
-    } else {
-        curl_easy_setopt(easy, CURLOPT_HTTPGET, 1L);
     }
     curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, m_request.method.c_str());
 }
@@ -127,36 +119,17 @@ void EasyExchange::SetOptions(bool fresh) {
     const std::string url = std::string(m_request.https ? "https" : "http") + "://" +
                             InUrl(m_request.host) + ':' + std::to_string(m_request.port) + '/';
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
-    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     // the target goes out as it stands: a path in the URL would lose what follows a '#'
-    curl_easy_setopt(easy, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(easy, CURLOPT_REQUEST_TARGET, m_request.target.c_str());
-    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
-    curl_easy_setopt(easy, CURLOPT_HTTP09_ALLOWED, 0L);
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
-    curl_easy_setopt(easy, CURLOPT_HTTP_CONTENT_DECODING, 0L);
-    curl_easy_setopt(easy, CURLOPT_PROXY, "");  // not even one that the environment names
-    curl_easy_setopt(easy, CURLOPT_NETRC, CURL_NETRC_IGNORED);
-    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(easy, CURLOPT_TCP_NODELAY, 1L);
-    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, kReceiveBuffer);
-    curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, kSendBuffer);
     curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, fresh ? 1L : 0L);
     curl_easy_setopt(
         easy, CURLOPT_CONNECTTIMEOUT_MS,
         static_cast<long>(std::max<std::chrono::milliseconds::rep>(m_limits.connect.count(), 1)));
     curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_words);
 
-    curl_easy_setopt(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, m_options.verifyCertificates ? 1L : 0L);
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, m_options.verifyCertificates ? 2L : 0L);
-    if (!m_options.trustFile.empty()) {
-        curl_easy_setopt(easy, CURLOPT_CAINFO, m_options.trustFile.c_str());
-        curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
-    }
-
     for (const auto& [name, value] : m_request.headers) {
         std::string line = name;
+        line.reserve(name.size() + 2 + value.size());
         // a semicolon is libcurl's way to say empty
         AddHeader(value.empty() ? line.append(";") : line.append(": ").append(value));
     }
@@ -184,8 +157,6 @@ void EasyExchange::SetOptions(bool fresh) {
             me->m_lastMove = Clock::now();
             return CURL_PREREQFUNC_OK;
         });
-    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, &m_slot);
-    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &EasySlot::CloseSocket);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(
         easy, CURLOPT_HEADERFUNCTION,

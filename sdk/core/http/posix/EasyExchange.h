@@ -19,8 +19,8 @@ namespace Mirqos::Http {
 /// One attempt at an exchange on one slot.
 class EasyExchange {
 public:
-    EasyExchange(EasySlot& slot, const TransportOptions& options, const Request& request,
-                 const Limits& limits, RequestBody& body, Receiver& receiver);
+    EasyExchange(EasySlot& slot, const Request& request, const Limits& limits, RequestBody& body,
+                 Receiver& receiver);
     ~EasyExchange();
     EasyExchange(const EasyExchange&) = delete;
     EasyExchange& operator=(const EasyExchange&) = delete;
@@ -38,6 +38,7 @@ private:
     };
     using List = std::unique_ptr<curl_slist, FreeList>;
 
+    /// All options that are not the slot's own.
     void SetOptions(bool fresh);
     void SetMethod();
     void AddHeader(const std::string& line);
@@ -57,7 +58,6 @@ private:
     auto Guarded(decltype(std::declval<Callback>()()) failed, Callback callback);
 
     EasySlot& m_slot;
-    const TransportOptions& m_options;
     const Request& m_request;
     const Limits& m_limits;
     RequestBody& m_body;

@@ -8,12 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "sdk/core/http/Transport.h"
+
 namespace Mirqos::Http {
 
 /// An easy handle with a multi handle of its own, which keeps at most one connection. The multi
 /// handle is there because curl_easy_perform cannot be waited for with a limit in milliseconds.
+/// The options that are the same for all exchanges are set once: to set them takes longer than
+/// to read the head of an answer.
 struct EasySlot {
-    EasySlot();
+    explicit EasySlot(const TransportOptions& options);
     ~EasySlot();
     EasySlot(const EasySlot&) = delete;
     EasySlot& operator=(const EasySlot&) = delete;
@@ -32,11 +36,11 @@ struct EasySlot {
     static int CloseSocket(void* slot, curl_socket_t socket);
 };
 
-/// Lends out up to `size` slots; the most recently used one for the same server comes first, so
-/// that idle connections beyond the load's need grow old and are closed by their servers.
+/// Lends out up to `maxConnections` slots; the most recently used one for the same server comes
+/// first, so that idle connections beyond the load's need grow old and are closed by their servers.
 class EasyPool {
 public:
-    explicit EasyPool(unsigned size);
+    explicit EasyPool(const TransportOptions& options);
 
     /// A slot on loan; goes back when destroyed.
     class Lease {
@@ -60,6 +64,7 @@ private:
     std::unique_ptr<EasySlot> TakeSlot(const std::string& server);
     void Return(std::unique_ptr<EasySlot> slot);
 
+    const TransportOptions m_options;
     const unsigned m_size;
     std::mutex m_mutex;
     std::condition_variable m_returned;

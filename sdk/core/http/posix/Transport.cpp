@@ -21,8 +21,7 @@ void StartLibcurl() {
 
 class CurlTransport final : public Transport {
 public:
-    explicit CurlTransport(const TransportOptions& options)
-        : m_options(options), m_pool(options.maxConnections) {}
+    explicit CurlTransport(const TransportOptions& options) : m_pool(options) {}
 
     Result Exchange(const Request& request, const Limits& limits, Receiver& receiver) override {
         if (std::string problem = RequestProblem(request); !problem.empty()) {
@@ -33,7 +32,7 @@ public:
         RequestBody body(request);
         bool replaced = false;
         for (;;) {
-            EasyExchange attempt(*slot, m_options, request, limits, body, receiver);
+            EasyExchange attempt(*slot, request, limits, body, receiver);
             Result result = attempt.Run(replaced);
             if (replaced || !attempt.WasStale() || !body.Rewind()) {
                 return result;
@@ -49,7 +48,6 @@ private:
                std::to_string(request.connectPort);
     }
 
-    const TransportOptions m_options;
     EasyPool m_pool;
 };
 
