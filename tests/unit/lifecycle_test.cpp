@@ -16,6 +16,7 @@
 #include "store/AwsS3Store.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/RecordingOutput.h"
+#include "tests/support/UsedSdk.h"
 
 namespace {
 
@@ -155,6 +156,9 @@ TEST_F(Lifecycle, SdkIsStartedAgainAfterTheLastStop) {
 }
 
 TEST_F(Lifecycle, StopWithoutAStartStopsTheSdkEachTime) {
+    if (!Mirqos::Test::kBundledSdk) {
+        GTEST_SKIP() << "1.7 breaks down in a stop without a start, 1.11 ignores it";
+    }
     EXPECT_EQ(UnInitCloudStoreContext(), 0);
     EXPECT_EQ(m_stops, 1);
     EXPECT_EQ(g_nInitCount, 0);
@@ -166,6 +170,9 @@ TEST_F(Lifecycle, StopWithoutAStartStopsTheSdkEachTime) {
 }
 
 TEST_F(Lifecycle, StopBeyondTheLastStartStopsTheSdkOnceMore) {
+    if (!Mirqos::Test::kBundledSdk) {
+        GTEST_SKIP() << "1.7 breaks down in a stop without a start, 1.11 ignores it";
+    }
     InitCloudStoreContext(nullptr);
     UnInitCloudStoreContext();
     UnInitCloudStoreContext();
@@ -275,6 +282,9 @@ TEST_F(Lifecycle, GuardWithinAStartNeitherStartsNorStopsTheSdkAgain) {
 }
 
 TEST_F(Lifecycle, GuardWhoseStartWasTakenBackStopsTheSdkOnceMore) {
+    if (!Mirqos::Test::kBundledSdk) {
+        GTEST_SKIP() << "1.7 breaks down in a stop without a start, 1.11 ignores it";
+    }
     {
         const MIRQOSEngineStarter guard(true, AtLevel(3));
         UnInitCloudStoreContext();

@@ -13,7 +13,11 @@ namespace Mirqos::Test {
 std::string SignatureProblem(const RecordedRequest& request, const std::string& keyId,
                              const std::string& secret, const std::string& region);
 
-/// The "SignedHeaders" list of the request's Authorization header.
+/// Whether an installed SDK adds a header of that name, in small letters, to every request: what it
+/// tells of itself, of the attempt and of the protocols it could speak.
+bool IsOfTheSdkItself(const std::string& header);
+
+/// The "SignedHeaders" list of the request's Authorization header, without those of the SDK itself.
 std::string SignedHeadersOf(const RecordedRequest& request);
 
 /// Lower-case hexadecimal SHA-256.

@@ -81,7 +81,8 @@ protected:
     static std::int32_t Create(MIRQOSInterface& store, const char* bucket, const char* location);
     static bool Head(MIRQOSInterface& store, const char* bucket = kBucket);
 
-    /// The library's own log lines so far, without those of the SDK layer.
+    /// The library's own log lines so far, without those of the SDK layer and without what an
+    /// installed SDK adds to each message.
     std::vector<std::string> Lines() const;
     /// The one request that has arrived.
     RecordedRequest OnlyRequest() const;
@@ -114,6 +115,9 @@ protected:
 
 /// "YYYYMMDDTHHMMSSZ"
 bool IsAmzDate(const std::string& text);
+
+/// The request's XML body. An installed SDK lays it out over several lines; here it is on one.
+std::string XmlOf(const RecordedRequest& request);
 
 /// The names of the request's headers that no request of ours has any business to carry, and of
 /// those it carries twice.

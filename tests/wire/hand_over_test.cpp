@@ -10,6 +10,7 @@
 #include "exec/ExecutorSeam.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/Gate.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/AsyncReadTest.h"
 #include "tests/wire/AsyncUploadTest.h"
 
@@ -79,6 +80,9 @@ TEST_F(UploadHandOver, PartsThatTheExecutorDoesNotTakeAreFailedParts) {
 }
 
 TEST_F(UploadHandOver, PartsWithoutMemoryForTheirBytesAreFailedParts) {
+    if (!kBundledSdk) {
+        GTEST_SKIP() << "an installed SDK's memory does not come from operator new";
+    }
     const auto store = StoreWithThreads(2);
     m_server.On("PUT", "/the-bucket/k").Always(Tagged("e"));
     const std::string odd(kOddSize, 'x');
@@ -170,6 +174,9 @@ TEST_F(ReadHandOver, ReadsThatTheExecutorDoesNotTakeAreTheResultOfTheWait) {
 }
 
 TEST_F(ReadHandOver, AReadWithoutMemoryForItsAnswerIsAFailedRead) {
+    if (!kBundledSdk) {
+        GTEST_SKIP() << "an installed SDK's memory does not come from operator new";
+    }
     m_server.On("GET", "/the-bucket/k").Always(Bytes("01234"));
     const auto store = StoreWithThreads(1);
     OneRead read(0, kOddSize);

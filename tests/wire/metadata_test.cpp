@@ -136,7 +136,7 @@ TEST_F(Lifecycle, SendsOneRuleThatOnlyAbortsUploads) {
     const RecordedRequest request = OnlyRequest();
     EXPECT_EQ(request.method, "PUT");
     EXPECT_EQ(request.target, "/the-bucket?lifecycle");
-    EXPECT_EQ(request.body,
+    EXPECT_EQ(XmlOf(request),
               Document("<ID>clean&lt;up&gt;</ID><Filter><Prefix>folder/</Prefix></Filter>"
                        "<Status>Enabled</Status><AbortIncompleteMultipartUpload>"
                        "<DaysAfterInitiation>7</DaysAfterInitiation>"

@@ -63,7 +63,7 @@ TEST_F(Tagging, EntriesAreSplitAtTheirFirstColonAndOneWithoutIsKeyAndValueAlike)
     const RecordedRequest request = OnlyRequest();
     EXPECT_EQ(request.method, "PUT");
     EXPECT_EQ(request.target, "/the-bucket/k?tagging");
-    EXPECT_EQ(request.body,
+    EXPECT_EQ(XmlOf(request),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
               "<Tagging xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\"><TagSet>"
               "<Tag><Key>a</Key><Value>1</Value></Tag><Tag><Key>b</Key><Value>x:y</Value></Tag>"
