@@ -1,6 +1,5 @@
 #include <aws/core/client/AsyncCallerContext.h>
 #include <aws/core/utils/memory/AWSMemory.h>
-#include <aws/core/utils/stream/PreallocatedStreamBuf.h>
 #include <aws/core/utils/stream/ResponseStream.h>
 #include <aws/s3/model/GetObjectRequest.h>
 
@@ -13,10 +12,10 @@
 #include "store/AsyncReadStatus.h"
 #include "store/AwsS3Store.h"
 #include "store/ObjectBody.h"
+#include "store/ReceivingBuffer.h"
 #include "store/Status.h"
 
 using Aws::Utils::Stream::DefaultUnderlyingStream;
-using Aws::Utils::Stream::PreallocatedStreamBuf;
 
 struct AwsS3Store::TransferHandleAsyncContext : Aws::Client::AsyncCallerContext {
     /// The stream of the latest attempt, owned by the SDK: it lives as long as the outcome, which
@@ -29,11 +28,11 @@ struct AwsS3Store::TransferHandleAsyncContext : Aws::Client::AsyncCallerContext 
 namespace {
 
 // The response stream's buffer; the bytes live as long as it does.
-class ReadBuffer : public PreallocatedStreamBuf {
+class ReadBuffer : public Mirqos::ReceivingBuffer {
 public:
     ReadBuffer(std::shared_ptr<AsyncReadStatus> pBatch,
                std::shared_ptr<AsyncReadStatus::Buffer> pBytes)
-        : PreallocatedStreamBuf(pBytes->GetUnderlyingData(), pBytes->GetLength()),
+        : ReceivingBuffer(pBytes->GetUnderlyingData(), pBytes->GetLength()),
           m_pBatch(std::move(pBatch)),
           m_pBytes(std::move(pBytes)) {}
     ~ReadBuffer() override { m_pBatch->TakeBack(*m_pBytes); }

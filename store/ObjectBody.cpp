@@ -1,19 +1,9 @@
 #include "store/ObjectBody.h"
 
-#include <algorithm>
 #include <charconv>
 #include <string>
 
 namespace Mirqos {
-namespace {
-
-/// The content length does not tell: an answer in chunks has none.
-std::streamsize ReceivedBytes(std::streambuf& body) {
-    const std::streamoff nWritten = body.pubseekoff(0, std::ios_base::cur, std::ios_base::out);
-    return std::max<std::streamsize>(nWritten, 0);
-}
-
-}  // namespace
 
 Aws::String RangeText(uint64_t nFirst, uint64_t nLast) {
     const std::string text = "bytes=" + std::to_string(nFirst) + "-" + std::to_string(nLast);
@@ -39,7 +29,7 @@ bool HoldsRange(const Aws::S3::Model::GetObjectResult& answer, std::streambuf& b
     const Aws::String& range = answer.GetContentRange();
     const auto nFirst = range.empty() ? 0 : FirstByteOf({range.data(), range.size()});
     return nFirst == read.m_nRangeStart || read.m_nRangeEnd < read.m_nRangeStart ||
-           ReceivedBytes(body) == 0;
+           body.in_avail() == 0;
 }
 
 Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange() {
@@ -48,8 +38,8 @@ Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange() {
 }
 
 uint64_t CopyBody(std::streambuf& body, unsigned char* pDestination) {
-    const std::streamsize nBytes = std::min(body.in_avail(), ReceivedBytes(body));
-    return static_cast<uint64_t>(body.sgetn(reinterpret_cast<char*>(pDestination), nBytes));
+    return static_cast<uint64_t>(
+        body.sgetn(reinterpret_cast<char*>(pDestination), body.in_avail()));
 }
 
 }  // namespace Mirqos

@@ -29,10 +29,8 @@ bool HoldsRange(const Aws::S3::Model::GetObjectResult& answer, std::streambuf& b
 /// data, and to ask again would bring them again.
 Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange();
 
-/// Copies what the service sent from `body`, the response stream of a read, to `pDestination` and
-/// returns its length. A stream over a preallocated buffer reports its whole length as available
-/// also when the answer was shorter, so how far it was written is the second bound: no byte that
-/// the service did not send reaches the caller.
+/// Copies what was received into `body`, the response stream of a read, to `pDestination` and
+/// returns its length.
 uint64_t CopyBody(std::streambuf& body, unsigned char* pDestination);
 
 }  // namespace Mirqos

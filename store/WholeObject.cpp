@@ -10,6 +10,7 @@
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
 #include "store/ObjectBody.h"
+#include "store/ReceivingBuffer.h"
 
 using Aws::Utils::Stream::DefaultUnderlyingStream;
 using Aws::Utils::Stream::PreallocatedStreamBuf;
@@ -47,7 +48,7 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     request.SetKey(KeyForService(pContext->m_pszKey));
     request.SetRange(Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd));
     request.SetResponseStreamFactory([this, nReadLen = pContext->m_nReadLen]() -> Aws::IOStream* {
-        auto pBuffer = Aws::MakeUnique<PreallocatedStreamBuf>(
+        auto pBuffer = Aws::MakeUnique<Mirqos::ReceivingBuffer>(
             Mirqos::kAllocationTag, m_pWorkBuffer->GetUnderlyingData(), nReadLen);
         return Aws::New<DefaultUnderlyingStream>(Mirqos::kAllocationTag, std::move(pBuffer));
     });

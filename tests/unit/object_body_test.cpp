@@ -1,20 +1,23 @@
 #include "store/ObjectBody.h"
 
-#include <aws/core/utils/stream/PreallocatedStreamBuf.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <istream>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "store/ReceivingBuffer.h"
+
 namespace {
 
-using Aws::Utils::Stream::PreallocatedStreamBuf;
 using Mirqos::CopyBody;
 using Mirqos::FirstByteOf;
 using Mirqos::RangeText;
+using Mirqos::ReceivingBuffer;
 
 TEST(ObjectBody, RangeNamesFirstAndLastByteInDecimal) {
     EXPECT_EQ(RangeText(100, 199), "bytes=100-199");
@@ -44,7 +47,7 @@ protected:
     }
 
     std::vector<unsigned char> m_received = std::vector<unsigned char>(8, 0x55);
-    PreallocatedStreamBuf m_stream{m_received.data(), m_received.size()};
+    ReceivingBuffer m_stream{m_received.data(), m_received.size()};
     std::vector<unsigned char> m_destination = std::vector<unsigned char>(8, 0xEE);
 };
 
@@ -61,7 +64,7 @@ TEST_F(ObjectBodyCopy, AShortAnswerDeliversOnlyWhatTheServiceSent) {
     EXPECT_EQ(m_destination, (std::vector<unsigned char>{1, 2, 3, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
 }
 
-TEST_F(ObjectBodyCopy, AnAnswerLongerThanTheStreamIsBoundedByIt) {
+TEST_F(ObjectBodyCopy, AnAnswerLongerThanAskedForIsBounded) {
     Receive("\1\2\3\4\5\6\7\x8\x9");
     EXPECT_EQ(CopyBody(m_stream, m_destination.data()), 8u);
     EXPECT_EQ(m_destination, (std::vector<unsigned char>{1, 2, 3, 4, 5, 6, 7, 8}));
@@ -70,6 +73,44 @@ TEST_F(ObjectBodyCopy, AnAnswerLongerThanTheStreamIsBoundedByIt) {
 TEST_F(ObjectBodyCopy, AnEmptyAnswerDeliversNothing) {
     EXPECT_EQ(CopyBody(m_stream, m_destination.data()), 0u);
     EXPECT_EQ(m_destination, std::vector<unsigned char>(8, 0xEE));
+}
+
+class ObjectBodyReceived : public testing::Test {
+protected:
+    std::string All() {
+        return {std::istreambuf_iterator<char>(&m_stream), std::istreambuf_iterator<char>()};
+    }
+
+    std::vector<unsigned char> m_bytes = std::vector<unsigned char>(8, 'o');
+    ReceivingBuffer m_stream{m_bytes.data(), m_bytes.size()};
+};
+
+TEST_F(ObjectBodyReceived, IsReadAsFarAsItWasWritten) {
+    EXPECT_EQ(m_stream.in_avail(), 0);
+    EXPECT_EQ(All(), "");
+    m_stream.sputn("abc", 3);
+    EXPECT_EQ(m_stream.in_avail(), 3);
+    EXPECT_EQ(m_stream.sbumpc(), 'a');
+    m_stream.sputn("de", 2);
+    EXPECT_EQ(m_stream.sbumpc(), 'b');
+    EXPECT_EQ(All(), "cde");
+    EXPECT_EQ(m_stream.in_avail(), 0);
+}
+
+TEST_F(ObjectBodyReceived, HoldsADocumentThatIsLongerThanWhatWasAskedFor) {
+    const std::string document(3000, 'd');
+    std::iostream stream(&m_stream);
+    stream << document.substr(0, 5) << document.substr(5) << std::flush;
+    EXPECT_TRUE(stream.good());
+    EXPECT_EQ(All(), document);
+}
+
+TEST_F(ObjectBodyReceived, TakesNoEndOfMoreThanWhatWasAskedFor) {
+    const std::string most(8 + ReceivingBuffer::kMostExcess, 'm');
+    EXPECT_EQ(m_stream.sputn((most + "x").data(), static_cast<std::streamsize>(most.size() + 1)),
+              static_cast<std::streamsize>(most.size()));
+    EXPECT_EQ(m_stream.in_avail(), 8);
+    EXPECT_EQ(All(), most);
 }
 
 }  // namespace
