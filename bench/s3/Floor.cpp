@@ -322,20 +322,24 @@ public:
         First().Run(Sending("POST", key, "uploadId=" + Encoded(id), parts));
     }
 
-    std::size_t RangesAtOnce() const override { return m_connections.size(); }
-
     const Bytes& ReadRanges(const std::string& key, std::vector<Bytes>& buffers,
                             int count) override {
         const Bytes* last = nullptr;
         std::vector<Reader> readers;
         for (const auto& connection : m_connections) {
-            readers.push_back({*connection, buffers[readers.size()], {}});
+            readers.push_back({*connection, readers.size(), {}});
         }
         ForEach(readers, count, [&](Reader& reader, int index) {
-            Receive(reader.connection, key, static_cast<std::uint64_t>(index) * reader.into.size(),
-                    reader.into, reader.received);
+            // each has buffers of its own
+            Bytes& into = buffers[reader.place];
+            reader.place += readers.size();
+            if (reader.place >= buffers.size()) {
+                reader.place %= readers.size();
+            }
+            Receive(reader.connection, key, static_cast<std::uint64_t>(index) * into.size(), into,
+                    reader.received);
             if (index == count - 1) {
-                last = &reader.into;  // who reads the last one reads no more
+                last = &into;  // who reads the last one reads no more
             }
         });
         return *last;
@@ -360,7 +364,7 @@ private:
 
     struct Reader {
         Connection& connection;
-        Bytes& into;
+        std::size_t place;  ///< of the buffer for its next range
         Bytes received;
     };
 

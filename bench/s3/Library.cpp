@@ -76,10 +76,6 @@ public:
         Check(m_store->FinishMultiPartUploadAsync(&finish), "FinishMultiPartUploadAsync");
     }
 
-    std::size_t RangesAtOnce() const override {
-        return 32;  // a host reads so many before it waits
-    }
-
     const Bytes& ReadRanges(const std::string& key, std::vector<Bytes>& buffers,
                             int count) override {
         const Bytes* last = nullptr;

@@ -33,10 +33,8 @@ public:
     virtual void Get(const std::string& key, Bytes& into) = 0;
     /// One object in `count` parts, each of them the bytes of `part`.
     virtual void Upload(const std::string& key, const Bytes& part, int count) = 0;
-    /// How many buffers ReadRanges makes use of.
-    virtual std::size_t RangesAtOnce() const = 0;
     /// The object that Upload makes, in `count` ranges, each of the size of a buffer, received into
-    /// `buffers`, RangesAtOnce() of them, over and over. Returns the one that has the last range.
+    /// `buffers` over and over. Returns the one that has the last range.
     virtual const Bytes& ReadRanges(const std::string& key, std::vector<Bytes>& buffers,
                                     int count) = 0;
     /// The keys of all objects under the prefix, a page after another. Returns their number.
