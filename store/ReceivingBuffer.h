@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ios>
 #include <streambuf>
 #include <string>
 
@@ -27,8 +28,17 @@ protected:
     std::streamsize showmanyc() override;
     int_type underflow() override;
     int_type overflow(int_type c) override;
+    /// The reading side is set to, and counted among, the received bytes. Both sides at once are
+    /// not.
+    pos_type seekoff(off_type off, std::ios_base::seekdir dir,
+                     std::ios_base::openmode which) override;
+    pos_type seekpos(pos_type pos, std::ios_base::openmode which) override;
 
 private:
+    char* Begin() { return reinterpret_cast<char*>(GetBuffer()); }
+    /// Bytes received, without those beyond what was asked for.
+    off_type Received() { return pptr() - Begin(); }
+
     bool m_bReadsExcess = false;
     std::string m_strExcess;
 };

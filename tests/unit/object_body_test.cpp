@@ -105,6 +105,28 @@ TEST_F(ObjectBodyReceived, HoldsADocumentThatIsLongerThanWhatWasAskedFor) {
     EXPECT_EQ(All(), document);
 }
 
+TEST_F(ObjectBodyReceived, ItsPositionIsAmongWhatWasReceived) {
+    std::iostream stream(&m_stream);
+    stream << "abc";
+    EXPECT_EQ(stream.tellp(), 3);
+    EXPECT_EQ(stream.tellg(), 0);
+    EXPECT_EQ(All(), "abc");
+    EXPECT_EQ(stream.tellg(), 3);
+    EXPECT_EQ(stream.seekg(1).tellg(), 1);
+    EXPECT_EQ(m_stream.in_avail(), 2);
+    stream << "defghijk";
+    EXPECT_EQ(All(), "bcdefghijk") << "three more than were asked for";
+    EXPECT_EQ(stream.tellg(), 11);
+    EXPECT_EQ(stream.seekg(9).get(), 'j');
+    EXPECT_EQ(stream.seekg(-4, std::ios_base::end).get(), 'h');
+    EXPECT_EQ(All(), "ijk");
+    EXPECT_TRUE(stream.good());
+    EXPECT_TRUE(stream.seekg(12).fail());
+    stream.clear();
+    EXPECT_TRUE(stream.seekg(-1).fail());
+    EXPECT_EQ(m_stream.pubseekpos(0), std::streampos(-1)) << "of which side?";
+}
+
 TEST_F(ObjectBodyReceived, TakesNoEndOfMoreThanWhatWasAskedFor) {
     const std::string most(8 + ReceivingBuffer::kMostExcess, 'm');
     EXPECT_EQ(m_stream.sputn((most + "x").data(), static_cast<std::streamsize>(most.size() + 1)),
