@@ -1,13 +1,11 @@
 // Gives an installed SDK the seam of the bundled layer: transport, host resolution, limits, trust
-// anchors, the counts of starts and stops through the SDK's own door for HTTP clients; the clock
-// and the wait between attempts, which have no door, through the linker's --wrap.
+// anchors, the counts of starts and stops, through the SDK's own door for HTTP clients. The clock
+// and the wait between attempts have no door: see posix/Time.cpp.
 #include <aws/core/client/ClientConfiguration.h>
 #include <aws/core/http/HttpClientFactory.h>
 #include <aws/core/http/standard/StandardHttpRequest.h>
-#include <aws/core/utils/DateTime.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -20,7 +18,6 @@ namespace {
 
 using Aws::Client::ClientConfiguration;
 using Aws::Http::HttpClient;
-using Aws::Utils::DateTime;
 
 constexpr char kTag[] = "Adoption";
 
@@ -87,26 +84,5 @@ const testing::Environment* const adoption =
     testing::AddGlobalTestEnvironment(new Adoption);  // which googletest deletes
 
 }  // namespace
-
-// What the linker puts in place of the SDK's DateTime::Now() and HttpClient::RetryRequestSleep().
-DateTime RealNow() __asm__("__real__ZN3Aws5Utils8DateTime3NowEv");
-DateTime Now() __asm__("__wrap__ZN3Aws5Utils8DateTime3NowEv");
-DateTime Now() {
-    return TheSeam().now ? DateTime(TheSeam().now()) : RealNow();
-}
-
-void RealSleep(HttpClient* client, std::chrono::milliseconds wait) __asm__(
-    "__real__"
-    "ZN3Aws4Http10HttpClient17RetryRequestSleepENSt6chrono8durationIlSt5ratioILl1ELl1000EEEE");
-void Sleep(HttpClient* client, std::chrono::milliseconds wait) __asm__(
-    "__wrap__"
-    "ZN3Aws4Http10HttpClient17RetryRequestSleepENSt6chrono8durationIlSt5ratioILl1ELl1000EEEE");
-void Sleep(HttpClient* client, std::chrono::milliseconds wait) {
-    if (TheSeam().sleep) {
-        TheSeam().sleep(wait);
-    } else {
-        RealSleep(client, wait);
-    }
-}
 
 }  // namespace Mirqos::Test
