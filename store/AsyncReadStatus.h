@@ -31,11 +31,23 @@ struct AsyncReadStatus {
     /// new memory would cost as much as the bytes that arrive in it.
     void TakeBack(Buffer& buffer) {
         const std::lock_guard<std::mutex> lock(m_mtxBuffers);
-        m_vecSpare.push_back(std::move(buffer));
+        m_vecSpare.emplace_back(std::move(buffer));
     }
 
+    /// An installed SDK's array does not promise that it moves without failing, so a growing vector
+    /// of them would copy their bytes.
+    struct Spare {
+        explicit Spare(Buffer&& taken) noexcept : bytes(std::move(taken)) {}
+        Spare(Spare&& other) noexcept : bytes(std::move(other.bytes)) {}
+        Spare& operator=(Spare&& other) noexcept {
+            bytes = std::move(other.bytes);
+            return *this;
+        }
+        Buffer bytes;
+    };
+
     std::vector<std::shared_ptr<Buffer>> m_vecBuffers;  ///< guarded by m_mtxBuffers
-    std::vector<Buffer> m_vecSpare;                     ///< guarded by m_mtxBuffers
+    std::vector<Spare> m_vecSpare;                      ///< guarded by m_mtxBuffers
     std::mutex m_mtxBuffers;                            ///< a leaf
     bool m_bWaiting = false;                            ///< guarded by m_mtxStatus
     std::atomic<uint32_t> m_nTotal{0};                  ///< reads started
@@ -50,11 +62,11 @@ private:
         const std::lock_guard<std::mutex> lock(m_mtxBuffers);
         const auto spare =
             std::find_if(m_vecSpare.begin(), m_vecSpare.end(),
-                         [nLength](const Buffer& buffer) { return buffer.GetLength() == nLength; });
+                         [nLength](const Spare& one) { return one.bytes.GetLength() == nLength; });
         if (spare == m_vecSpare.end()) {
             return Buffer();
         }
-        Buffer taken = std::move(*spare);
+        Buffer taken = std::move(spare->bytes);
         m_vecSpare.erase(spare);
         return taken;
     }
