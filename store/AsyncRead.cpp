@@ -12,6 +12,7 @@
 #include "store/AsyncReadStatus.h"
 #include "store/AwsS3Store.h"
 #include "store/ObjectBody.h"
+#include "store/ObjectKey.h"
 #include "store/ReceivingBuffer.h"
 #include "store/Status.h"
 
@@ -57,7 +58,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
     ++m_nRequestCount;
     Aws::S3::Model::GetObjectRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(KeyForService(pContext->m_pszKey));
+    SetObjectKey(request, KeyForService(pContext->m_pszKey));
     const Aws::String range = Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd);
     request.SetRange(range);
 

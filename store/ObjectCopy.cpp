@@ -71,7 +71,7 @@ int32_t AwsS3Store::CopyInOneRequest(CloudStoreCopyObjectContext& context, int32
     }
     Aws::S3::Model::CopyObjectRequest request;
     request.SetBucket(context.m_pszDstBucket);
-    request.SetKey(KeyForService(context.m_pszDstKey));
+    SetObjectKey(request, KeyForService(context.m_pszDstKey));
     request.SetCopySource(source);
 
     const auto outcome = m_pClient->CopyObject(request);

@@ -36,7 +36,7 @@ int32_t AwsS3Store::DeleteObject(CloudStoreDeleteObjectContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     Aws::S3::Model::DeleteObjectRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(KeyForService(pContext->m_pszKey));
+    SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->DeleteObject(request);
     if (outcome.IsSuccess()) {

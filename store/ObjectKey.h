@@ -20,3 +20,12 @@ void DecodeObjectKey(Aws::String& key);
 
 /// Whether keys pass through the substitution for this provider type.
 bool SubstitutesKeys(int32_t nProviderType);
+
+/// Names an object in a request. Without a key the SDK refuses a request; an empty one an installed
+/// SDK sends, and the request is then about the bucket: a deletion would be the bucket's.
+template <class Request>
+void SetObjectKey(Request& request, const Aws::String& key) {
+    if (!key.empty()) {
+        request.SetKey(key);
+    }
+}

@@ -5,6 +5,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/ObjectKey.h"
 
 int32_t AwsS3Store::HeadObject(CloudStoreHeadObjectConext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
@@ -12,7 +13,7 @@ int32_t AwsS3Store::HeadObject(CloudStoreHeadObjectConext* pContext) {
     ++m_nRequestCount;
     Aws::S3::Model::HeadObjectRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(KeyForService(pContext->m_pszKey));
+    SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->HeadObject(request);
     if (outcome.IsSuccess()) {

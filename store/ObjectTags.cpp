@@ -8,6 +8,7 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/ObjectKey.h"
 #include "store/PackedTextList.h"
 
 using Tags = Aws::Vector<Aws::S3::Model::Tag>;
@@ -82,7 +83,7 @@ int32_t AwsS3Store::PutObjectTagging(PutObjectTaggingContext* pContext) {
     Aws::S3::Model::PutObjectTaggingRequest request;
     request.SetBucket(pContext->m_pszBucket);
     // Tagging takes the key as it is, without the substitution of the other operations.
-    request.SetKey(pContext->m_pszKey);
+    SetObjectKey(request, pContext->m_pszKey);
     request.SetTagging(tagging);
 
     const auto outcome = m_pClient->PutObjectTagging(request);
@@ -102,7 +103,7 @@ int32_t AwsS3Store::GetObjectTagging(GetObjectTaggingContext* pContext) {
     Mirqos::PackedTextWriter list(pContext->m_szTags, sizeof pContext->m_szTags);
     Aws::S3::Model::GetObjectTaggingRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(pContext->m_pszKey);
+    SetObjectKey(request, pContext->m_pszKey);
 
     const auto outcome = m_pClient->GetObjectTagging(request);
     if (!outcome.IsSuccess()) {

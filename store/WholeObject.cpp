@@ -10,6 +10,7 @@
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
 #include "store/ObjectBody.h"
+#include "store/ObjectKey.h"
 #include "store/ReceivingBuffer.h"
 
 using Aws::Utils::Stream::DefaultUnderlyingStream;
@@ -20,7 +21,7 @@ int32_t AwsS3Store::WriteObject(CloudStoreWriteObjectContext* pContext) {
     ++m_nRequestCount;
     Aws::S3::Model::PutObjectRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(KeyForService(pContext->m_pszKey));
+    SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     Aws::Utils::Array<unsigned char> bytes(pContext->m_pBuf,
                                            static_cast<size_t>(pContext->m_nBufLen));
@@ -45,7 +46,7 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     ++m_nRequestCount;
     Aws::S3::Model::GetObjectRequest request;
     request.SetBucket(pContext->m_pszBucket);
-    request.SetKey(KeyForService(pContext->m_pszKey));
+    SetObjectKey(request, KeyForService(pContext->m_pszKey));
     request.SetRange(Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd));
     request.SetResponseStreamFactory([this, nReadLen = pContext->m_nReadLen]() -> Aws::IOStream* {
         auto pBuffer = Aws::MakeUnique<Mirqos::ReceivingBuffer>(
@@ -62,7 +63,8 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
         }
     }
     const Aws::Client::AWSError<Aws::S3::S3Errors> error =
-        outcome.IsSuccess() ? Mirqos::OtherRange() : outcome.GetError();
+        outcome.IsSuccess() ? Mirqos::OtherRange()
+                            : Aws::Client::AWSError<Aws::S3::S3Errors>(outcome.GetError());
     const auto nStatus = static_cast<int32_t>(error.GetErrorType());
     ModuleLog(&g_ModuleLog, 1, "region:[%s], bucket:[%s] read object:[%s] failed.",
               m_strRegion.c_str(), m_strBucket.c_str(), pContext->m_pszKey);
