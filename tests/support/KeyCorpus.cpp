@@ -4,6 +4,8 @@
 #include <set>
 #include <string_view>
 
+#include "tests/support/UsedSdk.h"
+
 namespace Mirqos::Test {
 namespace {
 
@@ -233,7 +235,22 @@ std::vector<std::string> KeyCorpus() {
           RequestParts(), Substitutions(), NamesOfTheServices(), BeyondAscii(), Lengths()}) {
         Append(keys, group);
     }
+    keys.erase(std::remove_if(keys.begin(), keys.end(),
+                              [](const std::string& key) { return !IsKeptBySdk(key); }),
+               keys.end());
     return keys;
+}
+
+bool IsKeptBySdk(const std::string& key) {
+    std::string_view rest = key;
+    while (!kBundledSdk && !rest.empty()) {
+        const std::size_t end = std::min(rest.find('/'), rest.size());
+        if (end == 0 || rest.substr(0, end) == "." || rest.substr(0, end) == "..") {
+            return false;
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return true;
 }
 
 std::vector<std::string> DistinctWhenSubstituted(const std::vector<std::string>& keys) {

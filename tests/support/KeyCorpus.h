@@ -11,8 +11,12 @@ inline constexpr std::size_t kLongestKey = 1024;
 
 /// Object keys that something on the way to a service might change, refuse or take for another: an
 /// encoding done twice or not at all, a path made tidy, blanks trimmed, characters composed, a
-/// length cut. All differ, and a service keeps each.
+/// length cut. All differ, and a service keeps each. Without those that the SDK does not keep.
 std::vector<std::string> KeyCorpus();
+
+/// Whether the SDK in use sends the key as it is. An installed one drops its empty parts, and
+/// libcurl follows the parts "." and ".." below it.
+bool IsKeptBySdk(const std::string& key);
 
 /// Those of `keys` that still differ when "@" is sent as "+": of two that fall together the first.
 std::vector<std::string> DistinctWhenSubstituted(const std::vector<std::string>& keys);

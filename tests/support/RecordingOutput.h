@@ -17,7 +17,9 @@ namespace Mirqos::Test {
 struct RecordedLine {
     int level;
     int errorCode;
-    std::string text;       ///< a wide line converted, as NarrowText does
+    /// A wide line converted, as NarrowText does; a narrow one without what an installed SDK adds
+    /// to each message.
+    std::string text;
     std::wstring wideText;  ///< empty for a narrow line
     bool wide;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <aws/core/AmazonWebServiceRequest.h>
 #include <aws/core/Aws.h>
 
 #include <type_traits>
@@ -14,5 +15,16 @@ struct HasHttpOptions<Options, std::void_t<decltype(Options::httpOptions)>> : st
 /// Whether the store is built with the bundled SDK layer, whose options are only those that the
 /// store sets. An installed SDK words its messages and some headers in its own way.
 inline constexpr bool kBundledSdk = !HasHttpOptions<Aws::SDKOptions>::value;
+
+template <class Request, class = void>
+struct KnowsEmbeddedErrors : std::false_type {};
+template <class Request>
+struct KnowsEmbeddedErrors<Request, std::void_t<decltype(&Request::HasEmbeddedError)>>
+    : std::true_type {};
+
+/// Whether the answer to a copy or to the completion of an upload fails where it has status 200 and
+/// holds an error. With 1.7 it counts as a success.
+inline constexpr bool kNoticesEmbeddedErrors =
+    kBundledSdk || KnowsEmbeddedErrors<Aws::AmazonWebServiceRequest>::value;
 
 }  // namespace Mirqos::Test

@@ -34,7 +34,8 @@ protected:
         return SentBy(store);
     }
 
-    LogRecording m_log;
+    const MIRQOSEngineStarter m_engine{true, CloudStoreContext()};
+    LogRecording m_log;  // without the start's own line
     TransportRecording m_transports;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "sdk/core/crypto/Hash.h"
@@ -60,6 +61,16 @@ std::string CanonicalQuery(const std::string& query) {
     return text;
 }
 
+/// Characters of a path that an installed SDK leaves as they are.
+constexpr std::pair<const char*, const char*> kLeft[] = {{"%24", "$"}, {"%26", "&"}, {"%2C", ","},
+                                                         {"%3A", ":"}, {"%3D", "="}, {"%40", "@"}};
+
+void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+}
+
 std::string SignedHeaderList(const RecordedRequest& request) {
     return Field(request.Value("authorization"), "SignedHeaders=");
 }
@@ -82,6 +93,24 @@ std::string Sha256Of(const std::string& bytes) {
 bool IsOfTheSdkItself(const std::string& header) {
     return !kBundledSdk && (header.rfind("amz-sdk-", 0) == 0 || header == "x-amz-api-version" ||
                             header == "upgrade" || header == "http2-settings");
+}
+
+std::string CanonicalPath(std::string path) {
+    if (!kBundledSdk) {
+        for (const auto& [encoded, left] : kLeft) {
+            ReplaceAll(path, left, encoded);
+        }
+    }
+    return path;
+}
+
+std::string PathOnWire(std::string encoded) {
+    if (!kBundledSdk) {
+        for (const auto& [escape, left] : kLeft) {
+            ReplaceAll(encoded, escape, left);
+        }
+    }
+    return encoded;
 }
 
 std::string SignedHeadersOf(const RecordedRequest& request) {
@@ -112,8 +141,8 @@ std::string SignatureProblem(const RecordedRequest& request, const std::string& 
     if (payload != Sha256Of(request.body)) {
         return "the digest is not the body's: " + payload;
     }
-    std::string canonical =
-        request.method + "\n" + request.Path() + "\n" + CanonicalQuery(request.Query()) + "\n";
+    std::string canonical = request.method + "\n" + CanonicalPath(request.Path()) + "\n" +
+                            CanonicalQuery(request.Query()) + "\n";
     const std::vector<std::string> names = Split(SignedHeaderList(request), ';');
     for (const std::string& name : names) {
         if (request.Header(name) == nullptr) {

@@ -20,6 +20,12 @@ bool IsOfTheSdkItself(const std::string& header);
 /// The "SignedHeaders" list of the request's Authorization header, without those of the SDK itself.
 std::string SignedHeadersOf(const RecordedRequest& request);
 
+/// A path, of which nothing but letters, digits, "-", ".", "_", "~" and "/" stands as it is, as the
+/// SDK writes it: an installed one leaves some characters more. Its signature is the same.
+std::string PathOnWire(std::string encoded);
+/// What PathOnWire() was given.
+std::string CanonicalPath(std::string path);
+
 /// Lower-case hexadecimal SHA-256.
 std::string Sha256Of(const std::string& bytes);
 

@@ -81,8 +81,7 @@ protected:
     static std::int32_t Create(MIRQOSInterface& store, const char* bucket, const char* location);
     static bool Head(MIRQOSInterface& store, const char* bucket = kBucket);
 
-    /// The library's own log lines so far, without those of the SDK layer and without what an
-    /// installed SDK adds to each message.
+    /// The library's own log lines so far, without those of the SDK layer.
     std::vector<std::string> Lines() const;
     /// The one request that has arrived.
     RecordedRequest OnlyRequest() const;
@@ -116,8 +115,12 @@ protected:
 /// "YYYYMMDDTHHMMSSZ"
 bool IsAmzDate(const std::string& text);
 
-/// The request's XML body. An installed SDK lays it out over several lines; here it is on one.
+/// The request's XML body. An installed SDK lays it out over several lines and shortens empty
+/// elements; here it is on one line and long.
 std::string XmlOf(const RecordedRequest& request);
+
+/// The message of an error that has no document, as the SDK words it.
+std::string MessageOfNoBody(int httpStatus);
 
 /// The names of the request's headers that no request of ours has any business to carry, and of
 /// those it carries twice.

@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "exec/AwsS3BackupExecutor.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
 namespace Mirqos::Test {
@@ -75,14 +76,12 @@ TEST_F(Async, EveryOperationSendsTheSameRequestAsItsSynchronousForm) {
         EXPECT_TRUE((client.get()->*sync)(make()).IsSuccess());
         const auto request = make();
         std::promise<bool> done;
-        (client.get()->*async)(
-            request,
-            [&](const S3Client* sender, const auto& answered, const auto& outcome, const auto&) {
-                EXPECT_EQ(sender, client.get());
-                EXPECT_EQ(answered.GetBucket(), request.GetBucket());
-                done.set_value(outcome.IsSuccess());
-            },
-            nullptr);
+        async(request,
+              [&](const S3Client* sender, const auto& answered, const auto& outcome, const auto&) {
+                  EXPECT_EQ(sender, client.get());
+                  EXPECT_EQ(answered.GetBucket(), request.GetBucket());
+                  done.set_value(outcome.IsSuccess());
+              });
         EXPECT_TRUE(done.get_future().get());
         ++handled;
         const auto requests = m_server.Requests();
@@ -94,18 +93,33 @@ TEST_F(Async, EveryOperationSendsTheSameRequestAsItsSynchronousForm) {
         EXPECT_EQ(SignedHeadersOf(first), SignedHeadersOf(second));
         EXPECT_EQ(SignatureProblem(second, kKeyId, kSecret, kRegion), "");
     };
-    run([] { return Put("put key", "body"); }, &S3Client::PutObject, &S3Client::PutObjectAsync);
-    run([] { return Get("get key"); }, &S3Client::GetObject, &S3Client::GetObjectAsync);
+    run([] { return Put("put key", "body"); }, &S3Client::PutObject,
+        [&](const auto& request, const auto& handler) {
+            client->PutObjectAsync(request, handler);
+        });
+    run([] { return Get("get key"); }, &S3Client::GetObject,
+        [&](const auto& request, const auto& handler) {
+            client->GetObjectAsync(request, handler);
+        });
     Model::CreateBucketRequest create;
     create.SetBucket(kBucket);
-    run([&] { return create; }, &S3Client::CreateBucket, &S3Client::CreateBucketAsync);
+    run([&] { return create; }, &S3Client::CreateBucket,
+        [&](const auto& request, const auto& handler) {
+            client->CreateBucketAsync(request, handler);
+        });
     Model::DeleteObjectRequest remove;
     remove.SetBucket(kBucket);
     remove.SetKey("delete key");
-    run([&] { return remove; }, &S3Client::DeleteObject, &S3Client::DeleteObjectAsync);
+    run([&] { return remove; }, &S3Client::DeleteObject,
+        [&](const auto& request, const auto& handler) {
+            client->DeleteObjectAsync(request, handler);
+        });
     Model::HeadBucketRequest head;
     head.SetBucket(kBucket);
-    run([&] { return head; }, &S3Client::HeadBucket, &S3Client::HeadBucketAsync);
+    run([&] { return head; }, &S3Client::HeadBucket,
+        [&](const auto& request, const auto& handler) {
+            client->HeadBucketAsync(request, handler);
+        });
     EXPECT_EQ(handled, 5);
 }
 
@@ -182,7 +196,8 @@ TEST_F(Async, FailuresReachTheHandlerAfterAllAttempts) {
                                          const std::shared_ptr<const AsyncCallerContext>&) {
         done.set_value(outcome.GetError().GetErrorType());
     });
-    EXPECT_EQ(done.get_future().get(), S3Errors::INTERNAL_FAILURE);
+    EXPECT_EQ(done.get_future().get(),
+              kBundledSdk ? S3Errors::INTERNAL_FAILURE : S3Errors::UNKNOWN);
     EXPECT_EQ(m_server.Requests().size(), 11u);
     EXPECT_EQ(Waits(), AllWaits());
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cctype>
 #include <optional>
 #include <string>
@@ -28,7 +29,7 @@ std::string Repeat(const std::string& text, int count) {
 // The wire's side is written out by hand: only letters, digits, "-", ".", "_", "~" and "/" stand as
 // they are, everything else is the bytes' hexadecimal digits.
 std::vector<KeyCase> KeyCases() {
-    return {
+    std::vector<KeyCase> cases{
         {"plain.txt", "plain.txt"},
         {"-._~", "-._~"},
         {"with space", "with%20space"},
@@ -67,12 +68,16 @@ std::vector<KeyCase> KeyCases() {
         {Repeat("\xC3\xA9", 512), Repeat("%C3%A9", 512)},
         {Repeat(" ", 1024), Repeat("%20", 1024)},
     };
+    cases.erase(std::remove_if(cases.begin(), cases.end(),
+                               [](const KeyCase& one) { return !IsKeptBySdk(one.key); }),
+                cases.end());
+    return cases;
 }
 
 class Keys : public WireTest, public testing::WithParamInterface<Style> {
 protected:
     std::string Target(const std::string& wire) const {
-        return (GetParam() == Style::path ? "/the-bucket/" : "/") + wire;
+        return (GetParam() == Style::path ? "/the-bucket/" : "/") + PathOnWire(wire);
     }
 };
 
@@ -184,8 +189,7 @@ protected:
             const RecordedRequest& request = requests[i];
             const std::string& key = keys[i / each];
             SCOPED_TRACE(testing::PrintToString(key));
-            EXPECT_EQ(Decoded(request.target.substr(0, request.target.find('?'))),
-                      "/the-bucket/" + Sent(key));
+            EXPECT_EQ(Decoded(CanonicalPath(request.Path())), "/the-bucket/" + Sent(key));
             EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
             if (const std::string* const source = request.Header("x-amz-copy-source")) {
                 EXPECT_EQ(Decoded(*source), "source-bucket/" + sourceOf(key));
@@ -324,8 +328,8 @@ TEST_P(Provider, AnAtSignGoesAsAPlusSignForTypesFiveAndSixOnly) {
     const auto requests = m_server.Requests();
     ASSERT_EQ(requests.size(), 3u);
     for (const RecordedRequest& request : requests) {
-        EXPECT_EQ(request.target,
-                  Substitutes() ? "/the-bucket/%2Ba%2Bb%2B%2B" : "/the-bucket/%40a%2Bb%40%40");
+        EXPECT_EQ(request.target, PathOnWire(Substitutes() ? "/the-bucket/%2Ba%2Bb%2B%2B"
+                                                           : "/the-bucket/%40a%2Bb%40%40"));
     }
     EXPECT_THAT(Lines(), ElementsAre("Succeed to delete object @a+b@@ in bucket the-bucket."));
 }

@@ -58,9 +58,8 @@ TEST_F(Metadata, HeadObjectOfAMissingKeyFailsAndClearsTheAnswer) {
     EXPECT_EQ(HeadKey(*store, "a@b", exists), status);
     EXPECT_FALSE(exists);
     EXPECT_EQ(OnlyRequest().target, "/the-bucket/a%2Bb");
-    EXPECT_THAT(Lines(),
-                ElementsAre("HeadObject [the-bucket a@b] failed.",
-                            "The error message:[No response body. Response code: 404], EC:[16]"));
+    EXPECT_THAT(Lines(), ElementsAre("HeadObject [the-bucket a@b] failed.",
+                                     "The error message:[" + MessageOfNoBody(404) + "], EC:[16]"));
 }
 
 TEST_F(Metadata, HeadObjectRefusedGivesAccessDenied) {
@@ -153,7 +152,7 @@ TEST_F(Lifecycle, ANullIdIsSentEmptyAndANullPrefixLeavesTheFilterEmpty) {
     const auto store = MakeStore();
     LifecycleConfigContext rule = Rule(nullptr, nullptr, 1);
     EXPECT_EQ(store->PutBucketLifecycleConfiguration(&rule), 0);
-    EXPECT_EQ(OnlyRequest().body,
+    EXPECT_EQ(XmlOf(OnlyRequest()),
               Document("<ID></ID><Filter></Filter><Status>Enabled</Status>"
                        "<AbortIncompleteMultipartUpload><DaysAfterInitiation>1"
                        "</DaysAfterInitiation></AbortIncompleteMultipartUpload>"));

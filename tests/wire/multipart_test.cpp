@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <regex>
 
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
 namespace Mirqos::Test {
@@ -83,13 +84,17 @@ protected:
         abort.m_pszUploadId = upload;
         return store.AbortMultiPartUpload(&abort);
     }
+    static std::vector<int> StatusesOfRefusals() {
+        return kNoticesEmbeddedErrors ? std::vector<int>{403, 200} : std::vector<int>{403};
+    }
     static std::string PartList(const std::vector<std::string>& eTags) {
         std::string text =
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?><CompleteMultipartUpload "
             "xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">";
         int number = 0;
         for (const std::string& eTag : eTags) {
-            const std::string escaped = std::regex_replace(eTag, std::regex("\""), "&quot;");
+            const std::string escaped =
+                std::regex_replace(eTag, std::regex("\""), kBundledSdk ? "&quot;" : "\"");
             text += "<Part><ETag>" + escaped + "</ETag><PartNumber>" + std::to_string(++number) +
                     "</PartNumber></Part>";
         }
@@ -237,7 +242,7 @@ TEST_F(MultiPart, ACopiedRangeOfOneByteNamesItTwice) {
 TEST_F(MultiPart, ARefusedCopyGivesItsStatusAndBothLinesAlsoUnderStatus200) {
     const auto store = MakeStore();
     Open(*store);
-    for (const int httpStatus : {403, 200}) {
+    for (const int httpStatus : StatusesOfRefusals()) {
         m_log.Clear();
         m_server.Next(Answer::S3Error(httpStatus, "AccessDenied", "No"));
         EXPECT_EQ(CopyPart(*store, 2, 10, 19), 15);
@@ -255,7 +260,7 @@ TEST_F(MultiPart, AFinishOfNoPartsSendsAnEmptyListAndForgetsTheUpload) {
     Open(*store);
     m_server.Next(Answer::S3Error(400, "MalformedXML", "Empty"));
     EXPECT_EQ(Finish(*store, 0), 100);
-    EXPECT_EQ(XmlOf(Last()), PartList({}));
+    EXPECT_EQ(XmlOf(Last()), kBundledSdk ? PartList({}) : "");
     EXPECT_EQ(Finish(*store, 0), -1) << "the upload is known no more";
 }
 
@@ -270,7 +275,7 @@ TEST_F(MultiPart, PartsThatWereNeverRecordedGoWithEmptyTags) {
 }
 
 TEST_F(MultiPart, AFailedFinishGivesItsStatusAndBothLinesAlsoUnderStatus200) {
-    for (const int httpStatus : {403, 200}) {
+    for (const int httpStatus : StatusesOfRefusals()) {
         const auto store = MakeStore();
         Open(*store);
         m_server.Next(Answer::S3Error(httpStatus, "AccessDenied", "No"));

@@ -1,4 +1,5 @@
 #include "sdk/core/Seam.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
 namespace Mirqos::Test {
@@ -209,7 +210,8 @@ TEST_F(Retry, AHeadRefusedWithTheRightTimeIsRefused) {
         const auto store = MakeStore();
         EXPECT_FALSE(Head(*store));
     }
-    EXPECT_EQ(m_server.Requests().size(), 3u);
+    // an installed SDK already takes a quarter of an hour for another time
+    EXPECT_EQ(m_server.Requests().size(), kBundledSdk ? 3u : 5u);
     EXPECT_TRUE(Waits().empty());
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "sdk/core/xml/Xml.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
 namespace Mirqos::Test {
@@ -69,7 +70,7 @@ TEST_F(Tagging, EntriesAreSplitAtTheirFirstColonAndOneWithoutIsKeyAndValueAlike)
               "<Tag><Key>a</Key><Value>1</Value></Tag><Tag><Key>b</Key><Value>x:y</Value></Tag>"
               "<Tag><Key>c</Key><Value>c</Value></Tag><Tag><Key>d</Key><Value></Value></Tag>"
               "</TagSet></Tagging>");
-    EXPECT_EQ(request.Value("content-md5"), Md5Of(request.body));
+    EXPECT_EQ(request.Value("content-md5"), kBundledSdk ? Md5Of(request.body) : "");
     EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
     EXPECT_THAT(Lines(), ElementsAre("Success to PutObjectTagging. Tag Count = 4 [a:1] [b:x:y] "
                                      "[c:c] [d:]"));
@@ -80,7 +81,7 @@ TEST_F(Tagging, AnEmptyListSetsNoTags) {
     m_server.Next(Answer::Status(200));
     const auto store = MakeStore();
     EXPECT_EQ(Put(*store, ""), 0);
-    EXPECT_THAT(OnlyRequest().body, HasSubstr("<TagSet></TagSet>"));
+    EXPECT_THAT(XmlOf(OnlyRequest()), HasSubstr("<TagSet></TagSet>"));
     EXPECT_THAT(Lines(), ElementsAre("Success to PutObjectTagging. Tag Count = 0"));
 }
 
@@ -93,7 +94,7 @@ TEST_F(Tagging, KeysGoWithoutTheSubstitution) {
     m_server.Next(TagSet({}));
     EXPECT_EQ(Get(*store, "x@y"), 0);
     for (const RecordedRequest& request : m_server.Requests()) {
-        EXPECT_EQ(request.target, "/the-bucket/x%40y?tagging");
+        EXPECT_EQ(request.target, PathOnWire("/the-bucket/x%40y") + "?tagging");
     }
 }
 
