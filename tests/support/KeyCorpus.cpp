@@ -4,8 +4,6 @@
 #include <set>
 #include <string_view>
 
-#include "tests/support/UsedSdk.h"
-
 namespace Mirqos::Test {
 namespace {
 
@@ -239,18 +237,6 @@ std::vector<std::string> KeyCorpus() {
                               [](const std::string& key) { return !IsKeptBySdk(key); }),
                keys.end());
     return keys;
-}
-
-bool IsKeptBySdk(const std::string& key) {
-    std::string_view rest = key;
-    while (!kBundledSdk && !rest.empty()) {
-        const std::size_t end = std::min(rest.find('/'), rest.size());
-        if (end == 0 || rest.substr(0, end) == "." || rest.substr(0, end) == "..") {
-            return false;
-        }
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return true;
 }
 
 std::vector<std::string> DistinctWhenSubstituted(const std::vector<std::string>& keys) {

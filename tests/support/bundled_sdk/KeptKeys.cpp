@@ -1,0 +1,9 @@
+#include "tests/support/KeyCorpus.h"
+
+namespace Mirqos::Test {
+
+bool IsKeptBySdk(const std::string& /*key*/) {
+    return true;
+}
+
+}  // namespace Mirqos::Test
