@@ -232,7 +232,7 @@ void CheckBuckets(Checks& checks, Session& session) {
     CloudStoreListPartContext uploads;
     uploads.m_pszBucket = "host-bucket";
     uploads.m_pszPrefix = "host-";
-    session.Refused({"GET /host-bucket?uploads&prefix=host-", kAccessDenied, 1},
+    session.Refused({"GET /host-bucket?" HOST_UPLOADS_QUERY, kAccessDenied, 1},
                     "ListMultipartUploads", 23, &I::ListMultipartUploads, &uploads);
     LifecycleConfigContext lifecycle;
     lifecycle.m_pszBucket = "host-bucket";
