@@ -5,6 +5,7 @@
 #include <boost/asio.hpp>
 #include <boost/asio/use_future.hpp>
 #include <future>
+#include <list>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -138,15 +139,12 @@ struct RawServer::Core {
         RunOn(context, [this] {
             closing = true;  // an accept may be through and wait its turn
             acceptor.close();
-            for (const auto& socket : sockets) {
+            for (const Running& each : running) {
                 boost::system::error_code ignored;
-                socket->socket.close(ignored);
+                each.socket->socket.close(ignored);
             }
         });
-        // from here on nobody adds a script
-        for (std::thread& running : scripts) {
-            running.join();
-        }
+        // from here on nobody adds a script, and those that run keep the loop alive
         work.reset();
         loop.join();
     }
@@ -157,29 +155,39 @@ struct RawServer::Core {
                 return;
             }
             const int number = accepts++;
-            auto shared = std::make_shared<Connection::Socket>(context, std::move(socket));
-            sockets.push_back(shared);
-            scripts.emplace_back([this, shared, number] {
-                Connection connection(shared);
+            running.push_front(
+                {std::make_shared<Connection::Socket>(context, std::move(socket)), {}});
+            const auto place = running.begin();
+            place->thread = std::thread([this, place, number, guard = work] {
+                Connection connection(place->socket);
                 try {
                     script(connection, number);
                 } catch (const boost::system::system_error&) {
                     // the client went, or this server does
                 }
                 connection.Close();
+                // a thread that nobody joins keeps its stack, and a fuzzer makes thousands
+                asio::post(context, [this, place] {
+                    place->thread.join();
+                    running.erase(place);
+                });
             });
             Accept();
         });
     }
+
+    struct Running {
+        std::shared_ptr<Connection::Socket> socket;
+        std::thread thread;
+    };
 
     const Script script;
     asio::io_context context;
     asio::executor_work_guard<asio::io_context::executor_type> work{context.get_executor()};
     tcp::acceptor acceptor{context, tcp::endpoint(asio::ip::address_v4::loopback(), 0)};
     std::atomic<int> accepts{0};
-    bool closing = false;  ///< the loop's thread only, as the two below until then
-    std::vector<std::shared_ptr<Connection::Socket>> sockets;
-    std::vector<std::thread> scripts;
+    bool closing = false;        ///< the loop's thread only, as the one below
+    std::list<Running> running;  ///< a script and its connection
     std::thread loop;
 };
 
