@@ -27,4 +27,8 @@ struct KnowsEmbeddedErrors<Request, std::void_t<decltype(&Request::HasEmbeddedEr
 inline constexpr bool kNoticesEmbeddedErrors =
     kBundledSdk || KnowsEmbeddedErrors<Aws::AmazonWebServiceRequest>::value;
 
+/// Which generation an installed SDK is of. Both of them were seen, as 1.7.332 and 1.11.274.
+inline constexpr bool kSdk1_7 = !kNoticesEmbeddedErrors;
+inline constexpr bool kSdk1_11 = !kBundledSdk && !kSdk1_7;
+
 }  // namespace Mirqos::Test
