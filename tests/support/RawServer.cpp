@@ -139,9 +139,11 @@ struct RawServer::Core {
         RunOn(context, [this] {
             closing = true;  // an accept may be through and wait its turn
             acceptor.close();
-            for (const Running& each : running) {
-                boost::system::error_code ignored;
-                each.socket->socket.close(ignored);
+            for (const Worker& each : workers) {
+                if (each.socket != nullptr) {
+                    boost::system::error_code ignored;
+                    each.socket->socket.close(ignored);
+                }
             }
         });
         // from here on nobody adds a script, and those that run keep the loop alive
@@ -154,40 +156,48 @@ struct RawServer::Core {
             if (error || closing) {
                 return;
             }
-            const int number = accepts++;
-            running.push_front(
-                {std::make_shared<Connection::Socket>(context, std::move(socket)), {}});
-            const auto place = running.begin();
-            place->thread = std::thread([this, place, number, guard = work] {
-                Connection connection(place->socket);
-                try {
-                    script(connection, number);
-                } catch (const boost::system::system_error&) {
-                    // the client went, or this server does
-                }
-                connection.Close();
-                // a thread that nobody joins keeps its stack, and a fuzzer makes thousands
-                asio::post(context, [this, place] {
-                    place->thread.join();
-                    running.erase(place);
-                });
-            });
+            Run(accepts++, std::move(socket));
             Accept();
         });
     }
 
-    struct Running {
-        std::shared_ptr<Connection::Socket> socket;
-        std::thread thread;
+    /// Runs one script at a time. A thread serves many connections in turn: a fuzzer makes more
+    /// of them than there are thread numbers, and AddressSanitizer takes a thread whose number an
+    /// ended one had for that one, so what only its stack holds for leaked.
+    struct Worker {
+        std::shared_ptr<Connection::Socket> socket;  ///< none when idle; the loop's thread sets it
+        asio::thread_pool thread{1};
     };
+
+    void Run(int number, tcp::socket&& socket) {
+        auto worker = std::find_if(workers.begin(), workers.end(),
+                                   [](const Worker& each) { return each.socket == nullptr; });
+        if (worker == workers.end()) {
+            worker = workers.emplace(workers.end());
+        }
+        worker->socket = std::make_shared<Connection::Socket>(context, std::move(socket));
+        asio::post(worker->thread, [this, worker, number, guard = work] {
+            Serve(Connection(worker->socket), number);
+            asio::post(context, [worker] { worker->socket.reset(); });
+        });
+    }
+
+    void Serve(Connection connection, int number) const {
+        try {
+            script(connection, number);
+        } catch (const boost::system::system_error&) {
+            // the client went, or this server does
+        }
+        connection.Close();
+    }
 
     const Script script;
     asio::io_context context;
     asio::executor_work_guard<asio::io_context::executor_type> work{context.get_executor()};
     tcp::acceptor acceptor{context, tcp::endpoint(asio::ip::address_v4::loopback(), 0)};
     std::atomic<int> accepts{0};
-    bool closing = false;        ///< the loop's thread only, as the one below
-    std::list<Running> running;  ///< a script and its connection
+    bool closing = false;  ///< the loop's thread only, as the one below
+    std::list<Worker> workers;
     std::thread loop;
 };
 

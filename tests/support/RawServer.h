@@ -43,7 +43,7 @@ public:
         std::string m_surplus;
     };
 
-    /// Runs on a thread of its own for each connection; `number` counts connections from 0. What
+    /// Runs on a thread that is its own meanwhile; `number` counts connections from 0. What
     /// it throws about its socket ends the connection. When it returns the connection is closed.
     using Script = std::function<void(Connection& connection, int number)>;
 
