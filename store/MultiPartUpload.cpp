@@ -144,7 +144,7 @@ int32_t AwsS3Store::MultiPartCopy(CloudStoreMultiPartCopyContext* pContext) {
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
     request.SetUploadId(pContext->m_pszUploadId);
     request.SetPartNumber(static_cast<int>(pContext->m_nPartNumber));
-    request.SetCopySource(pContext->m_pszCopySource);
+    SetCopySource(request, pContext->m_pszCopySource);
     request.SetCopySourceRange(range);
 
     const auto outcome = m_pClient->UploadPartCopy(request);

@@ -72,7 +72,7 @@ int32_t AwsS3Store::CopyInOneRequest(CloudStoreCopyObjectContext& context, int32
     Aws::S3::Model::CopyObjectRequest request;
     request.SetBucket(context.m_pszDstBucket);
     SetObjectKey(request, KeyForService(context.m_pszDstKey));
-    request.SetCopySource(source);
+    SetCopySource(request, source);
 
     const auto outcome = m_pClient->CopyObject(request);
     if (outcome.IsSuccess()) {

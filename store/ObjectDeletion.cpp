@@ -13,6 +13,7 @@
 namespace {
 
 constexpr char kOperation[] = "AwsS3Store::DeleteObjectsV2";
+constexpr auto kCannotBeNamed = static_cast<int32_t>(Aws::S3::S3Errors::MISSING_PARAMETER);
 
 // A line of the log holds about a thousand characters: the keys are spread over several.
 constexpr size_t kKeysPerLine = 20;
@@ -28,6 +29,12 @@ void LogDeleted(const Aws::Vector<Aws::S3::Model::DeletedObject>& deleted, const
             strLine.clear();
         }
     }
+}
+
+void LogFailure(int32_t nCount, const char* pszBucket, int32_t nStatus, const char* pszMessage) {
+    ModuleLog(&g_ModuleLog, 1, "Failed to delete objects. count:%d, bucket:%s, EC:%d.", nCount,
+              pszBucket, nStatus);
+    ModuleLog(&g_ModuleLog, 1, "%s", pszMessage);
 }
 
 }  // namespace
@@ -62,13 +69,20 @@ int32_t AwsS3Store::DeleteObjectsV2(CloudStoreDeleteObjectsContextV2* pContext) 
 int32_t AwsS3Store::DeleteInOneRequest(CloudStoreDeleteObjectsContextV2* pContext) {
     Aws::S3::Model::Delete container;
     int32_t nCount = 0;
+    bool bCanBeNamed = true;
     Mirqos::PackedTextReader keys(pContext->m_pKeys);
     for (std::string_view key; keys.Next(key); ++nCount) {
         // Keys go as they are here, unlike in the single delete: hosts pass what a listing of the
         // service's own names gave them.
         Aws::S3::Model::ObjectIdentifier identifier;
         identifier.SetKey(Aws::String(key));
+        bCanBeNamed = CanNameInDocument(identifier.GetKey()) && bCanBeNamed;
         container.AddObjects(identifier);
+    }
+    if (!bCanBeNamed) {
+        // As a whole, as the service refuses a document with a key that it cannot read.
+        LogFailure(nCount, pContext->m_pszBucket, kCannotBeNamed, "A key cannot be sent.");
+        return kCannotBeNamed;
     }
     Aws::S3::Model::DeleteObjectsRequest request;
     request.SetBucket(pContext->m_pszBucket);
@@ -77,9 +91,7 @@ int32_t AwsS3Store::DeleteInOneRequest(CloudStoreDeleteObjectsContextV2* pContex
     const auto outcome = m_pClient->DeleteObjects(request);
     if (!outcome.IsSuccess()) {
         const int32_t nStatus = Mirqos::StatusOf(outcome);
-        ModuleLog(&g_ModuleLog, 1, "Failed to delete objects. count:%d, bucket:%s, EC:%d.", nCount,
-                  pContext->m_pszBucket, nStatus);
-        ModuleLog(&g_ModuleLog, 1, "%s", outcome.GetError().GetMessage().c_str());
+        LogFailure(nCount, pContext->m_pszBucket, nStatus, outcome.GetError().GetMessage().c_str());
         return nStatus;
     }
     LogDeleted(outcome.GetResult().GetDeleted(), pContext->m_pszBucket);

@@ -5,11 +5,21 @@
 #include <map>
 #include <string>
 
+#include "log/ModuleLog.h"
+#include "store/KeptKeys.h"
+
 namespace {
 
 // Texts of the standard library, not of the SDK: the table is built when the library is loaded,
 // before the SDK's memory system is started.
 const std::map<std::string, std::string> g_KeySubstitutions = {{"@", "+"}};
+
+bool Kept(bool bKept, const Aws::String& key) {
+    if (!bKept) {
+        ModuleLog(&g_ModuleLog, 1, "The SDK cannot send the key [%s] as it stands.", key.c_str());
+    }
+    return bKept;
+}
 
 }  // namespace
 
@@ -28,4 +38,16 @@ void DecodeObjectKey(Aws::String& key) {
 bool SubstitutesKeys(int32_t nProviderType) {
     return nProviderType == Mirqos::ProviderType::kPlusForAt ||
            nProviderType == Mirqos::ProviderType::kGoogleCloudStorage;
+}
+
+bool CanNameInPath(const Aws::String& key) {
+    return !key.empty() && Kept(Mirqos::IsKeptInPath<Aws::SDKOptions>(key), key);
+}
+
+bool CanNameAsCopySource(const Aws::String& source) {
+    return Kept(Mirqos::IsKeptAsCopySource<Aws::SDKOptions>(source), source);
+}
+
+bool CanNameInDocument(const Aws::String& key) {
+    return Kept(Mirqos::IsKeptInDocument<Aws::SDKOptions>(key), key);
 }

@@ -21,11 +21,24 @@ void DecodeObjectKey(Aws::String& key);
 /// Whether keys pass through the substitution for this provider type.
 bool SubstitutesKeys(int32_t nProviderType);
 
-/// Names an object in a request. Without a key the SDK refuses a request; an empty one an installed
-/// SDK sends, and the request is then about the bucket: a deletion would be the bucket's.
+/// Whether a request's path, a copy's header, a deletion's document can name an object. None can
+/// where the SDK would change the key and the request be about another object, or about the bucket;
+/// a line of the log says so. A path cannot where the key is empty: a deletion would be the
+/// bucket's.
+bool CanNameInPath(const Aws::String& key);
+bool CanNameAsCopySource(const Aws::String& source);
+bool CanNameInDocument(const Aws::String& key);
+
+/// Each names an object in a request that can name it. Without the name the SDK refuses a request.
 template <class Request>
 void SetObjectKey(Request& request, const Aws::String& key) {
-    if (!key.empty()) {
+    if (CanNameInPath(key)) {
         request.SetKey(key);
+    }
+}
+template <class Request>
+void SetCopySource(Request& request, const Aws::String& source) {
+    if (CanNameAsCopySource(source)) {
+        request.SetCopySource(source);
     }
 }

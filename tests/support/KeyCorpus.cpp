@@ -1,6 +1,7 @@
 #include "tests/support/KeyCorpus.h"
 
 #include <algorithm>
+#include <functional>
 #include <set>
 #include <string_view>
 
@@ -224,18 +225,27 @@ std::vector<std::string> Lengths() {
     return keys;
 }
 
-}  // namespace
-
-std::vector<std::string> KeyCorpus() {
+std::vector<std::string> KeysOfEveryShape() {
     std::vector<std::string> keys = {"plain", "plain.txt", "Plain", "PLAIN"};
     for (const auto& group :
          {ControlCharacters(), Blanks(), Slashes(), Dots(), Punctuation(), Escapes(),
           RequestParts(), Substitutions(), NamesOfTheServices(), BeyondAscii(), Lengths()}) {
         Append(keys, group);
     }
-    keys.erase(std::remove_if(keys.begin(), keys.end(),
-                              [](const std::string& key) { return !IsKeptBySdk(key); }),
-               keys.end());
+    return keys;
+}
+
+}  // namespace
+
+std::vector<std::string> KeyCorpus() {
+    std::vector<std::string> keys = KeysOfEveryShape();
+    keys.erase(std::remove_if(keys.begin(), keys.end(), std::not_fn(IsKeptBySdk)), keys.end());
+    return keys;
+}
+
+std::vector<std::string> KeysNotKeptBySdk() {
+    std::vector<std::string> keys = KeysOfEveryShape();
+    keys.erase(std::remove_if(keys.begin(), keys.end(), IsKeptBySdk), keys.end());
     return keys;
 }
 
@@ -276,8 +286,8 @@ std::string WithPlusForAt(std::string key) {
 }
 
 bool FitsXml(const std::string& key) {
-    return key.find("\xEF\xBF\xBE") == key.npos && key.find("\xEF\xBF\xBF") == key.npos &&
-           std::none_of(key.begin(), key.end(), [](char c) {
+    return IsKeptInDocumentsBySdk(key) && key.find("\xEF\xBF\xBE") == key.npos &&
+           key.find("\xEF\xBF\xBF") == key.npos && std::none_of(key.begin(), key.end(), [](char c) {
                return c > 0 && c < ' ' && c != '\t' && c != '\n' && c != '\r';
            });
 }

@@ -18,4 +18,12 @@ bool IsKeptBySdk(const std::string& key) {
     return true;
 }
 
+bool IsKeptInDocumentsBySdk(const std::string& key) {
+    return key.find('\r') == key.npos;
+}
+
+bool IsListedBySdk(const std::string& key) {
+    return key.find_first_not_of(" \t\n") != key.npos;
+}
+
 }  // namespace Mirqos::Test
