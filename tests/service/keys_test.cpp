@@ -10,6 +10,7 @@
 #include "store/ObjectKey.h"
 #include "tests/service/Listings.h"
 #include "tests/support/KeyCorpus.h"
+#include "tests/support/UsedSdk.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -27,8 +28,9 @@ constexpr auto kNoSuchKey = StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY);
 constexpr auto kNotFound = StatusOf(Aws::S3::S3Errors::RESOURCE_NOT_FOUND);
 /// The service says InvalidObjectName, which the SDK has no number for.
 constexpr auto kRefused = StatusOf(Aws::S3::S3Errors::UNKNOWN);
-/// It says no more than that the request was bad.
-constexpr auto kBadRequest = StatusOf(Aws::S3::S3Errors::VALIDATION);
+/// It says no more than that the request was bad, which an installed SDK makes nothing of.
+constexpr auto kBadRequest =
+    StatusOf(kBundledSdk ? Aws::S3::S3Errors::VALIDATION : Aws::S3::S3Errors::UNKNOWN);
 
 /// An object of the corpus. No two have the same size, so a listing tells them apart too.
 struct Object {
@@ -45,9 +47,9 @@ Objects ObjectsOf(const std::vector<std::string>& keys) {
     return objects;
 }
 
-/// Whether a record of a listing holds the key with its NUL.
+/// Whether a record of a listing has the key, which it holds with its NUL.
 bool FitsListing(const Object& object) {
-    return object.key.size() < sizeof CloudStoreObjInfo::m_szKey;
+    return object.key.size() < sizeof CloudStoreObjInfo::m_szKey && IsListedBySdk(object.key);
 }
 
 /// Whether this server can tell of a completed upload. To a longer key its answer has bytes of its
