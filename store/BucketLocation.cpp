@@ -21,6 +21,14 @@ int32_t AwsS3Store::GetBucketLocation(const char* pszBucket, char* pszDestinatio
         const Aws::String name =
             Aws::S3::Model::BucketLocationConstraintMapper::GetNameForBucketLocationConstraint(
                 outcome.GetResult().GetLocationConstraint());
+        // Not every SDK looks at what a document is: of a page, or of an error under status 200,
+        // the elements are then the name.
+        if (name.find('<') != name.npos) {
+            constexpr auto nStatus = static_cast<int32_t>(Aws::S3::S3Errors::UNKNOWN);
+            ModuleLog(&g_ModuleLog, 1, "GetBucketLocation error(%d): %s - %s.", nStatus,
+                      "NoLocation", "The answer names no location");
+            return nStatus;
+        }
         Mirqos::CopyTextOrEndProcess(pszDestination, static_cast<size_t>(nDestinationSize),
                                      name.c_str());
         return 0;

@@ -147,6 +147,16 @@ TEST_F(BucketAdmin, AnUnknownErrorWithAnotherMessageStaysUnknown) {
     }
 }
 
+TEST_F(BucketAdmin, AnErrorUnderStatus200IsNoLocation) {
+    m_server.Next(Answer::S3Error(200, "AccessDenied", "No, in more words than there is room for"));
+    const auto store = MakeStore();
+    const std::int32_t status = kBundledSdk ? 15 : 100;
+    EXPECT_EQ(Locate(*store), status);
+    EXPECT_EQ(m_location[0], '#');
+    EXPECT_EQ(m_log.CountContaining("GetBucketLocation error(" + std::to_string(status) + "): "),
+              1u);
+}
+
 TEST_F(BucketAdmin, TooManyBucketsGives110AndLogsTheServicesType) {
     m_server.Next(Answer::S3Error(400, "TooManyBuckets", "Enough"));
     const auto store = MakeStore();
