@@ -7,7 +7,7 @@ import os
 import subprocess
 import uuid
 
-from tool_case import LIMIT, Case, ScriptedCase, environment, run, server
+from tool_case import LIMIT, Case, ScriptedCase, environment, is_kept_by_sdk, run, server
 
 MANY = 1100  # more than the 1000 that a page and a request hold
 
@@ -75,7 +75,9 @@ class Listings(ManagementCase):
         keys = ["a b", "a+b", "a%20b", "a@b", "a/b//c", "/a", "a?b=c&d", "a<b>&amp;", "a'b\"c",
                 "a\\xFFb", "\u00e4\u20ac\u65e5\U0001f600", "a\tb"]
         for key in keys:
-            self.succeed("put", "in", "%s/%s" % (bucket, key))
+            put = self.succeed if is_kept_by_sdk(key) else self.refuse
+            put("put", "in", "%s/%s" % (bucket, key))
+        keys = list(filter(is_kept_by_sdk, keys))
         listed = self.json("ls", bucket)["objects"]
         self.assertEqual([(o["key"], o["size"]) for o in listed], self.listed_elsewhere(bucket))
         self.assertEqual(sorted(o["key"] for o in listed), sorted(keys))

@@ -38,6 +38,14 @@ def environment(**changes):
     return {n: v for n, v in kept.items() if v is not None}
 
 
+def is_kept_by_sdk(key):
+    """Whether the SDK that the program is built with sends the key as it is, and not without its
+    empty parts and with its dots followed."""
+    changes_keys = os.environ.get("MIRQOS_AWS_SDK") == "installed"
+    parts = key.split("/")
+    return not changes_keys or not ("" in parts[:-1] or "." in parts or ".." in parts)
+
+
 def digest(path):
     with open(path, "rb") as file:
         return hashlib.sha256(file.read()).hexdigest()
@@ -81,6 +89,10 @@ class Case(unittest.TestCase):
         self.assertEqual(err.count("\n"), 1, err)
         self.assertTrue(err.startswith("mirqos: "), err)
         return err
+
+    def refuse(self, *arguments, **more):
+        """For a key that the SDK does not keep."""
+        self.assertIn("cannot send the key", self.fail_with(1, *arguments, **more))
 
     def write(self, name, size):
         with open(self.path(name), "wb") as file:

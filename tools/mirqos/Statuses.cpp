@@ -15,12 +15,13 @@ struct Explanation {
     const char* text;
 };
 
-constexpr std::array<Explanation, 21> kExplanations = {{
+constexpr std::array<Explanation, 22> kExplanations = {{
     {-1, "the library could not carry it out; see its log"},
     {1, "the service failed internally; try again later"},
     {3, "the service does not know the access key; check it and the endpoint"},
     {6, "the service refused a value of the request; check the names and the region"},
     {8, "the service wants credentials; check both keys"},
+    {9, "a name is missing, or the SDK in the library cannot send the key as it is; see its log"},
     {11, "the request came too late; check this machine's clock"},
     {12, "the service is not available at the moment; try again later"},
     {13, "the service asks for fewer requests; try again later, with fewer threads"},
