@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tests/support/ScriptedAnswer.h"
+#include "tests/support/UsedSdk.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -45,6 +46,17 @@ Judge WhereTagged(const Effect& effect) {
     return [effect](const Sent& sent) {
         return sent.tagged ? std::optional<Effect>(effect) : std::nullopt;
     };
+}
+
+/// Left out with an installed SDK of the 1.7 generation, which takes such an answer for a success,
+/// or goes where it points.
+Judge NotWithSdk1_7(Judge effect) {
+    return kSdk1_7 ? Judge([](const Sent&) { return std::nullopt; }) : effect;
+}
+
+/// The error that is made of a status alone. An installed SDK makes nothing of most.
+S3Errors OfStatusAlone(S3Errors error) {
+    return kBundledSdk ? error : S3Errors::UNKNOWN;
 }
 
 /// Another effect on a request whose answers have no body to tell the error.
@@ -128,6 +140,9 @@ void AddConnectionFaults(std::vector<Mishap>& faults) {
                 }
                 return kLostConnection;
             };
+            if (stage == Stage::answerHeaders && harm == Harm::close) {
+                fault.effect = NotWithSdk1_7(fault.effect);
+            }
             faults.push_back(fault);
         }
     }
@@ -173,23 +188,25 @@ void AddGarbage(std::vector<Mishap>& faults) {
             const std::string body = BodyOf(good);
             return Page(body.substr(0, body.size() / 2));
         },
-        Where(Answered::document, kNotUnderstood)));
+        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
     faults.push_back(Altered(
         "no document", [](const std::string&) { return Page(""); },
-        Where(Answered::document, kNotUnderstood)));
+        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
     faults.push_back(Altered(
         "another document",
         [](const std::string&) { return Page("<SomethingElse><a>b</a></SomethingElse>"); },
-        Where(Answered::document, kNotUnderstood)));
+        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
 }
 
 void AddRefusals(std::vector<Mishap>& faults) {
     faults.push_back(Instead("500", Answer::S3Error(500, "InternalError", "We stumbled."),
-                             Always(Retried(S3Errors::INTERNAL_FAILURE))));
+                             ByHead(Retried(S3Errors::INTERNAL_FAILURE),
+                                    Retried(OfStatusAlone(S3Errors::INTERNAL_FAILURE)))));
+    faults.push_back(Instead("503 SlowDown", Answer::S3Error(503, "SlowDown", "Slower, please."),
+                             ByHead(Retried(S3Errors::SLOW_DOWN),
+                                    Retried(OfStatusAlone(S3Errors::SERVICE_UNAVAILABLE)))));
     faults.push_back(
-        Instead("503 SlowDown", Answer::S3Error(503, "SlowDown", "Slower, please."),
-                ByHead(Retried(S3Errors::SLOW_DOWN), Retried(S3Errors::SERVICE_UNAVAILABLE))));
-    faults.push_back(Instead("429", Answer::Status(429), Always(Retried(S3Errors::THROTTLING))));
+        Instead("429", Answer::Status(429), Always(Retried(OfStatusAlone(S3Errors::THROTTLING)))));
     faults.push_back(Instead("403 AccessDenied", Answer::S3Error(403, "AccessDenied", "No."),
                              Always({Effect::Kind::final, S3Errors::ACCESS_DENIED})));
     faults.push_back(
@@ -201,23 +218,23 @@ void AddRefusals(std::vector<Mishap>& faults) {
     faults.push_back(Instead("301",
                              Answer::S3Error(301, "PermanentRedirect", "It moved.")
                                  .Header("Location", "http://127.0.0.1:1/elsewhere"),
-                             Always(kNotUnderstood)));
+                             NotWithSdk1_7(Always(kNotUnderstood))));
     faults.push_back(Instead("307",
                              Answer::S3Error(307, "TemporaryRedirect", "It is away.")
                                  .Header("Location", "http://127.0.0.1:1/elsewhere"),
-                             Always(kNotUnderstood)));
+                             NotWithSdk1_7(Always(kNotUnderstood))));
     faults.push_back(Instead("200 with InternalError",
                              Answer::S3Error(200, "InternalError", "Half way we stumbled."),
-                             WhereRead(Retried(S3Errors::INTERNAL_FAILURE))));
-    faults.push_back(Instead("200 with AccessDenied",
-                             Answer::S3Error(200, "AccessDenied", "Half way: no."),
-                             WhereRead({Effect::Kind::final, S3Errors::ACCESS_DENIED})));
+                             NotWithSdk1_7(WhereRead(Retried(S3Errors::INTERNAL_FAILURE)))));
+    faults.push_back(
+        Instead("200 with AccessDenied", Answer::S3Error(200, "AccessDenied", "Half way: no."),
+                NotWithSdk1_7(WhereRead({Effect::Kind::final, S3Errors::ACCESS_DENIED}))));
     for (const std::string page :
          {"<html><body><p>Log in</p></body></html>", "<HTML><BODY>Log in</BODY></HTML>",
           "<!DOCTYPE html><html><head><meta charset=utf-8></head>Log in</html>"}) {
         faults.emplace_back("200 with the page " + page.substr(0, 6), Stage::answer);
         faults.back().instead = [bytes = Page(page)](const std::string&, bool) { return bytes; };
-        faults.back().effect = WhereRead(kNotUnderstood);
+        faults.back().effect = NotWithSdk1_7(WhereRead(kNotUnderstood));
     }
 }
 
@@ -259,7 +276,7 @@ void AddHeaderFaults(std::vector<Mishap>& faults) {
     };
     faults.push_back(Altered(
         "two lengths", [](const std::string& good) { return WithLine(good, "Content-Length: 7"); },
-        whereBody));
+        NotWithSdk1_7(whereBody)));
 }
 
 std::vector<Mishap> AllMishaps() {

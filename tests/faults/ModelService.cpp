@@ -107,7 +107,7 @@ Answer ModelService::OnBucket(const RecordedRequest& request, const std::string&
     if (request.method == "GET" && query == "location") {
         return Document("<LocationConstraint>eu-west-1</LocationConstraint>");
     }
-    if (request.method == "GET" && query.compare(0, 7, "uploads") == 0) {
+    if (request.method == "GET" && ("&" + query).find("&uploads") != query.npos) {
         return UploadsPage({{"open", "id-of-open"}});
     }
     return request.method == "GET" ? List(request, bucket) : Empty(200);

@@ -9,6 +9,7 @@
 #include "tests/faults/FaultyService.h"
 #include "tests/faults/Operation.h"
 #include "tests/faults/Tally.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
 namespace Mirqos::Test {
@@ -147,11 +148,14 @@ protected:
         const bool alone = fate.Requests().size() == 1;
         if (blow.once) {
             EXPECT_EQ(hits, 1);
-            EXPECT_LE(waits, blow.Stalls() ? 10u : 1u);
+            // An installed SDK may lose an attempt on a connection that has been closed meanwhile.
+            EXPECT_LE(waits, blow.Stalls() ? 10u : kBundledSdk ? 1u : 2u);
         } else if (effect.kind == Effect::Kind::retried) {
             // A busy machine may lose a stalled attempt before the service sees it.
             EXPECT_GE(hits, blow.Stalls() ? 1 : effect.attempts);
-            EXPECT_TRUE(!alone || waits + 1 == static_cast<std::size_t>(effect.attempts)) << waits;
+            // After an answer whose date differs an installed SDK sets its clock and asks at once.
+            const auto most = static_cast<std::size_t>(effect.attempts) - 1;
+            EXPECT_TRUE(!alone || waits == most || (!kBundledSdk && waits + 1 == most)) << waits;
         } else {
             EXPECT_GE(hits, 1);
             EXPECT_TRUE(!alone || (hits == 1 && waits == 0)) << hits << ", " << waits;
