@@ -11,6 +11,7 @@
 #include "log/ModuleLog.h"
 #include "store/AsyncReadStatus.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectBody.h"
 #include "store/ObjectKey.h"
 #include "store/ReceivingBuffer.h"
@@ -57,7 +58,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
     }
     ++m_nRequestCount;
     Aws::S3::Model::GetObjectRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
     const Aws::String range = Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd);
     request.SetRange(range);

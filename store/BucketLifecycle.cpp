@@ -4,6 +4,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 
 int32_t AwsS3Store::PutBucketLifecycleConfiguration(LifecycleConfigContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
@@ -23,7 +24,7 @@ int32_t AwsS3Store::PutBucketLifecycleConfiguration(LifecycleConfigContext* pCon
     Aws::S3::Model::BucketLifecycleConfiguration configuration;
     configuration.AddRules(rule);
     Aws::S3::Model::PutBucketLifecycleConfigurationRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     request.SetLifecycleConfiguration(configuration);
 
     const auto outcome = m_pClient->PutBucketLifecycleConfiguration(request);

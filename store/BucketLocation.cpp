@@ -8,13 +8,14 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ExpectedRegion.h"
 
 int32_t AwsS3Store::GetBucketLocation(const char* pszBucket, char* pszDestination,
                                       uint64_t nDestinationSize) {
     assert(pszBucket != nullptr && pszDestination != nullptr && m_pClient != nullptr);
     Aws::S3::Model::GetBucketLocationRequest request;
-    request.SetBucket(pszBucket);
+    Mirqos::SetBucketName(request, pszBucket);
 
     const auto outcome = m_pClient->GetBucketLocation(request);
     if (outcome.IsSuccess()) {

@@ -10,6 +10,7 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/PackedTextList.h"
 
 namespace {
@@ -25,7 +26,7 @@ int32_t AwsS3Store::CreateBucket(CloudStoreCreateBucketContext* pContext) {
         return kNoBucketNamed;
     }
     Aws::S3::Model::CreateBucketRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     if (pContext->m_pszRegion != nullptr) {
         Aws::S3::Model::CreateBucketConfiguration configuration;
         configuration.SetLocationConstraint(
@@ -56,7 +57,7 @@ int32_t AwsS3Store::DeleteBucket(CloudStoreDeleteBucketContext* pContext) {
         return kNoBucketNamed;
     }
     Aws::S3::Model::DeleteBucketRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
 
     const auto outcome = m_pClient->DeleteBucket(request);
     if (outcome.IsSuccess()) {
@@ -74,7 +75,7 @@ int32_t AwsS3Store::HeadBucket(CloudStoreHeadBucketConext* pContext) {
     pContext->m_bExists = false;
     ++m_nRequestCount;
     Aws::S3::Model::HeadBucketRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
 
     const auto outcome = m_pClient->HeadBucket(request);
     if (outcome.IsSuccess()) {

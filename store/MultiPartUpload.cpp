@@ -13,6 +13,7 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/MultiPartUploadState.h"
 #include "store/ObjectBody.h"
 #include "store/ObjectKey.h"
@@ -71,7 +72,7 @@ int32_t AwsS3Store::InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* pC
     ++m_nRequestCount;
     ++m_nInitMultiPartCount;
     Aws::S3::Model::CreateMultipartUploadRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->CreateMultipartUpload(request);
@@ -97,7 +98,7 @@ int32_t AwsS3Store::InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* pC
 Aws::S3::Model::UploadPartRequest AwsS3Store::PartRequest(
     const CloudStoreMultiPartUploadContext& context) const {
     Aws::S3::Model::UploadPartRequest request;
-    request.SetBucket(context.m_pszBucket);
+    Mirqos::SetBucketName(request, context.m_pszBucket);
     SetObjectKey(request, KeyForService(context.m_pszKey));
     request.SetUploadId(context.m_pszUploadId);
     request.SetPartNumber(static_cast<int>(context.m_nPartNumber));
@@ -140,7 +141,7 @@ int32_t AwsS3Store::MultiPartCopy(CloudStoreMultiPartCopyContext* pContext) {
     }
     const Aws::String range = Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd);
     Aws::S3::Model::UploadPartCopyRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
     request.SetUploadId(pContext->m_pszUploadId);
     request.SetPartNumber(static_cast<int>(pContext->m_nPartNumber));
@@ -163,7 +164,7 @@ int32_t AwsS3Store::MultiPartCopy(CloudStoreMultiPartCopyContext* pContext) {
 int32_t AwsS3Store::CompleteUpload(const CloudStoreFinishMultiPartUploadContext& context,
                                    MultiPartUploadState& state) {
     Aws::S3::Model::CompleteMultipartUploadRequest request;
-    request.SetBucket(context.m_pszBucket);
+    Mirqos::SetBucketName(request, context.m_pszBucket);
     SetObjectKey(request, KeyForService(context.m_pszKey));
     request.SetUploadId(context.m_pszUploadId);
     request.SetMultipartUpload(PartList(state, context.m_nPartCount));
@@ -198,7 +199,7 @@ int32_t AwsS3Store::AbortMultiPartUpload(CloudStoreAbortMultiPartUploadContext* 
     assert(pContext != nullptr && m_pClient != nullptr);
     ++m_nRequestCount;
     Aws::S3::Model::AbortMultipartUploadRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
     request.SetUploadId(pContext->m_pszUploadId);
 

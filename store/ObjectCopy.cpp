@@ -9,6 +9,7 @@
 #include "platform/file_system.h"
 #include "platform/text.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectKey.h"
 
 namespace {
@@ -70,7 +71,7 @@ int32_t AwsS3Store::CopyInOneRequest(CloudStoreCopyObjectContext& context, int32
         EncodeObjectKey(source);
     }
     Aws::S3::Model::CopyObjectRequest request;
-    request.SetBucket(context.m_pszDstBucket);
+    Mirqos::SetBucketName(request, context.m_pszDstBucket);
     SetObjectKey(request, KeyForService(context.m_pszDstKey));
     SetCopySource(request, source);
 

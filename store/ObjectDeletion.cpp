@@ -7,6 +7,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectKey.h"
 #include "store/PackedTextList.h"
 
@@ -42,7 +43,7 @@ void LogFailure(int32_t nCount, const char* pszBucket, int32_t nStatus, const ch
 int32_t AwsS3Store::DeleteObject(CloudStoreDeleteObjectContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     Aws::S3::Model::DeleteObjectRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->DeleteObject(request);
@@ -85,7 +86,7 @@ int32_t AwsS3Store::DeleteInOneRequest(CloudStoreDeleteObjectsContextV2* pContex
         return kCannotBeNamed;
     }
     Aws::S3::Model::DeleteObjectsRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     request.WithDelete(container);
 
     const auto outcome = m_pClient->DeleteObjects(request);

@@ -10,6 +10,7 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectKey.h"
 #include "store/ProviderMarker.h"
 #include "store/Status.h"
@@ -113,7 +114,8 @@ int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
     constexpr char kOperation[] = "AwsS3Store::ListObjects";
     assert(pContext != nullptr && m_pClient != nullptr);
     ListObjectsV2Request request;
-    request.SetBucket(pContext->m_pszBucket != nullptr ? pContext->m_pszBucket : GetBucketName());
+    Mirqos::SetBucketName(
+        request, pContext->m_pszBucket != nullptr ? pContext->m_pszBucket : GetBucketName());
     if (pContext->m_pszPrefix != nullptr) {
         request.SetPrefix(pContext->m_pszPrefix);
     }
@@ -173,7 +175,7 @@ int32_t AwsS3Store::ListObjectsSegmented(CloudStoreListObjectConext* pContext) {
     // The other way round than ListObjects, and to stay so: hosts set the field to anything and
     // mean the configured bucket. Without it the request names no bucket and fails.
     if (pContext->m_pszBucket != nullptr) {
-        request.SetBucket(GetBucketName());
+        Mirqos::SetBucketName(request, GetBucketName());
     }
     EncodeListingForMarkedProvider(kOperation, request);
     if (pContext->m_pszPrefix != nullptr) {

@@ -5,6 +5,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectKey.h"
 
 int32_t AwsS3Store::HeadObject(CloudStoreHeadObjectConext* pContext) {
@@ -12,7 +13,7 @@ int32_t AwsS3Store::HeadObject(CloudStoreHeadObjectConext* pContext) {
     pContext->m_bExists = false;
     ++m_nRequestCount;
     Aws::S3::Model::HeadObjectRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->HeadObject(request);
@@ -33,7 +34,7 @@ int32_t AwsS3Store::SearchObject(CloudStoreSearchObjectConext* pContext) {
     pContext->m_bExists = false;
     ++m_nRequestCount;
     Aws::S3::Model::ListObjectsV2Request request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     request.SetPrefix(KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->ListObjectsV2(request);

@@ -8,6 +8,7 @@
 #include "log/ModuleLog.h"
 #include "platform/bounded_copy.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectKey.h"
 #include "store/PackedTextList.h"
 
@@ -81,7 +82,7 @@ int32_t AwsS3Store::PutObjectTagging(PutObjectTaggingContext* pContext) {
     Aws::S3::Model::Tagging tagging;
     tagging.SetTagSet(tags);
     Aws::S3::Model::PutObjectTaggingRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     // Tagging takes the key as it is, without the substitution of the other operations.
     SetObjectKey(request, pContext->m_pszKey);
     request.SetTagging(tagging);
@@ -102,7 +103,7 @@ int32_t AwsS3Store::GetObjectTagging(GetObjectTaggingContext* pContext) {
     ++m_nRequestCount;
     Mirqos::PackedTextWriter list(pContext->m_szTags, sizeof pContext->m_szTags);
     Aws::S3::Model::GetObjectTaggingRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, pContext->m_pszKey);
 
     const auto outcome = m_pClient->GetObjectTagging(request);

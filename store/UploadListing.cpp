@@ -5,6 +5,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 
 namespace {
 
@@ -28,7 +29,8 @@ int32_t AwsS3Store::ListMultipartUploads(CloudStoreListPartContext* pContext) {
     ModuleLog(&g_ModuleLog, 1, "%s enter. bucket:[%s] prefix:[%s].", kOperation,
               pContext->m_pszBucket, pContext->m_pszPrefix);
     Aws::S3::Model::ListMultipartUploadsRequest request;
-    request.SetBucket(pContext->m_pszBucket != nullptr ? pContext->m_pszBucket : GetBucketName());
+    Mirqos::SetBucketName(
+        request, pContext->m_pszBucket != nullptr ? pContext->m_pszBucket : GetBucketName());
     request.SetPrefix(pContext->m_pszPrefix);
     if (pContext->m_szKeyMarker[0] != '\0') {
         request.SetKeyMarker(pContext->m_szKeyMarker);

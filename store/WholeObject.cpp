@@ -9,6 +9,7 @@
 
 #include "log/ModuleLog.h"
 #include "store/AwsS3Store.h"
+#include "store/BucketName.h"
 #include "store/ObjectBody.h"
 #include "store/ObjectKey.h"
 #include "store/ReceivingBuffer.h"
@@ -20,7 +21,7 @@ int32_t AwsS3Store::WriteObject(CloudStoreWriteObjectContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     ++m_nRequestCount;
     Aws::S3::Model::PutObjectRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     Aws::Utils::Array<unsigned char> bytes(pContext->m_pBuf,
@@ -45,7 +46,7 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     assert(pContext->m_nReadLen <= m_pWorkBuffer->GetLength());
     ++m_nRequestCount;
     Aws::S3::Model::GetObjectRequest request;
-    request.SetBucket(pContext->m_pszBucket);
+    Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
     request.SetRange(Mirqos::RangeText(pContext->m_nRangeStart, pContext->m_nRangeEnd));
     request.SetResponseStreamFactory([this, nReadLen = pContext->m_nReadLen]() -> Aws::IOStream* {

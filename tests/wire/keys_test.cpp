@@ -130,6 +130,25 @@ TEST_P(Keys, AnEmptyKeyIsRefusedAndNeverBecomesARequestOnTheBucket) {
     EXPECT_TRUE(m_server.Requests().empty());
 }
 
+TEST_P(Keys, InAnEmptyBucketAreRefusedAndNeverBecomeABucket) {
+    const auto store = MakeStore(In(GetParam()));
+    const std::int32_t refused = StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER);
+    EXPECT_EQ(Write(*store, "k", "v", ""), refused);
+    EXPECT_EQ(Read(*store, "k", 0, 100, "").status, refused);
+    CloudStoreDeleteObjectContext remove;
+    remove.m_pszBucket = "";
+    remove.m_pszKey = "k";
+    EXPECT_EQ(store->DeleteObject(&remove), refused);
+    CloudStoreDeleteObjectsContextV2 removeMany;
+    removeMany.m_pszBucket = "";
+    removeMany.m_pKeys = "k\0";
+    EXPECT_EQ(store->DeleteObjectsV2(&removeMany), refused);
+    CloudStoreDeleteBucketContext removeBucket;
+    removeBucket.m_pszBucket = "";
+    EXPECT_EQ(store->DeleteBucket(&removeBucket), refused);
+    EXPECT_TRUE(m_server.Requests().empty());
+}
+
 /// The text that stands percent-encoded in `wire`, where nothing but letters, digits, "-", ".",
 /// "_",
 /// "~" and "/" may stand as it is; nothing for any other text. So each key has one form on the

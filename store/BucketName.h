@@ -1,0 +1,14 @@
+#pragma once
+
+namespace Mirqos {
+
+/// Names the bucket of a request. Without one the SDK refuses a request; an empty one an installed
+/// SDK sends by path as none, and the key is then the bucket: its deletion would be one of that.
+template <class Request>
+void SetBucketName(Request& request, const char* pszBucket) {
+    if (*pszBucket != '\0') {
+        request.SetBucket(pszBucket);
+    }
+}
+
+}  // namespace Mirqos
