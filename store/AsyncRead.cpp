@@ -72,6 +72,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         pBatch = m_pReadStatus;
     }
     ++pBatch->m_nTotal;
+    m_calls.Begin();
     try {
         auto pTransfer = Aws::MakeShared<TransferHandleAsyncContext>(Mirqos::kAllocationTag);
         pTransfer->m_oReadContext = *pContext;
@@ -92,12 +93,14 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
                    const auto& context) {
                 HandleAsyncReadFunc(sent, outcome,
                                     static_cast<const TransferHandleAsyncContext&>(*context));
+                m_calls.End();
             },
             pTransfer);
     } catch (const std::exception& failure) {
         // Counted, so it has to be answered: the wait would never end.
         ModuleLog(&g_ModuleLog, 1, "%s the read was not handed over: [%s].", kOperation,
                   failure.what());
+        m_calls.End();
         const std::lock_guard<std::mutex> lock(pBatch->m_mtxStatus);
         pBatch->m_nErrorCode = Mirqos::kOutOfMemory;
         ++pBatch->m_nComplete;

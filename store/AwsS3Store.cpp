@@ -32,9 +32,11 @@ AwsS3Store::AwsS3Store() {
 }
 
 AwsS3Store::~AwsS3Store() {
-    // First, while every member is alive: the last owner of the executor joins its threads, whose
-    // handlers use the store. The members follow in the reverse order of their declaration; the map
-    // of uploads goes without the states it points to.
+    // First, while every member is alive: handlers use the store. Deleted before its last call, an
+    // installed SDK's client would fail those that have not begun.
+    m_calls.WaitForAll();
+    // The last owner of the executor joins its threads. The members follow in the reverse order of
+    // their declaration; the map of uploads goes without the states it points to.
     delete m_pClient;
     m_pClient = nullptr;
 }

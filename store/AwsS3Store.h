@@ -10,6 +10,7 @@
 #include <unordered_map>
 
 #include "store/AwsSdk.h"
+#include "store/CallsInFlight.h"
 
 struct MultiPartUploadState;
 struct AsyncReadStatus;
@@ -121,6 +122,7 @@ private:
     std::unordered_map<std::string, std::shared_ptr<MultiPartUploadState>> m_mapUploads;
     std::mutex m_mtxStore;
     std::shared_ptr<AsyncReadStatus> m_pReadStatus;
+    Mirqos::CallsInFlight m_calls;
     int32_t m_nBufferSize = 0;
     std::unique_ptr<Aws::Utils::Array<unsigned char>> m_pWorkBuffer;
     std::atomic<uint64_t> m_nRequestCount{0};

@@ -81,14 +81,18 @@ int32_t AwsS3Store::DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pCo
             pState->m_bLastPartSubmitted = true;
         }
     }
+    m_calls.Begin();
     try {
         request.SetBody(KeepBody(*pContext, *pState));
-        m_pClient->UploadPartAsync(
-            request, [this](const Aws::S3::S3Client*, const auto& sent, const auto& outcome,
-                            const auto&) { HandleUploadPartAsync(sent, outcome); });
+        m_pClient->UploadPartAsync(request, [this](const Aws::S3::S3Client*, const auto& sent,
+                                                   const auto& outcome, const auto&) {
+            HandleUploadPartAsync(sent, outcome);
+            m_calls.End();
+        });
     } catch (const std::exception& failure) {
         ModuleLog(&g_ModuleLog, 1, "%s part [%d] was not handed over: [%s].", kOperation,
                   request.GetPartNumber(), failure.what());
+        m_calls.End();
         RecordLostPart(*pState, Mirqos::kOutOfMemory);
     }
     return 0;

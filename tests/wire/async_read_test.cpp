@@ -239,6 +239,27 @@ TEST_F(AsyncRead, ABodyThatBreaksOffIsFetchedAgainWhole) {
     EXPECT_EQ(m_server.Faults(Fault::reset), 1);
 }
 
+TEST_F(AsyncRead, AStoreReleasedWithReadsInFlightDeliversThemFirst) {
+    Gate gate;
+    m_server.On("GET", "/").Call([&](const RecordedRequest& request) {
+        return DigitsFor(request).Wait(Place::AnswerByte(0), gate);
+    });
+    OneRead reads[] = {OneRead(0, 10), OneRead(13, 7), OneRead(100, 1)};
+    std::thread opener;
+    {
+        const auto store = StoreWithThreads(2);
+        for (OneRead& read : reads) {
+            EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+        }
+        ASSERT_TRUE(gate.WaitUntilReached(2));
+        opener = std::thread([&] { gate.Open(); });
+    }
+    opener.join();
+    for (const OneRead& read : reads) {
+        EXPECT_TRUE(read.Delivered());
+    }
+}
+
 TEST_F(AsyncRead, WithoutABufferTheReadIsAFailureAndSaysSo) {
     ServeDigits();
     const auto store = StoreWithThreads(1);
