@@ -12,6 +12,10 @@ Aws::SDKOptions g_SDKOptions;
 
 namespace {
 
+// What the SDK runs with. An installed SDK that is stopped with other options than it was started
+// with does not take down all that it put up.
+Aws::SDKOptions g_startedWith;
+
 constexpr std::int32_t kDefaultLogLevel = 3;
 constexpr std::uint32_t kHighestLogLevel = 6;
 
@@ -39,7 +43,8 @@ std::int32_t InitCloudStoreContext(CloudStoreContext* context) {
               static_cast<int>(level));
     g_SDKOptions.loggingOptions.logger_create_fn = MakeLogSystem;
     if (g_nInitCount == 0) {
-        Aws::InitAPI(g_SDKOptions);
+        g_startedWith = g_SDKOptions;
+        Aws::InitAPI(g_startedWith);
     }
     ++g_nInitCount;
     return 0;
@@ -50,11 +55,11 @@ std::int32_t UnInitCloudStoreContext() {
     if (g_nInitCount > 0) {
         --g_nInitCount;
         if (g_nInitCount == 0) {
-            Aws::ShutdownAPI(g_SDKOptions);
+            Aws::ShutdownAPI(g_startedWith);
         }
     } else if (g_nInitCount == 0) {
         // Hosts rely on an unbalanced stop to shut the SDK down, whoever started it.
-        Aws::ShutdownAPI(g_SDKOptions);
+        Aws::ShutdownAPI(g_startedWith);
     }
     return 0;
 }
