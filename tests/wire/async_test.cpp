@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "exec/AwsS3BackupExecutor.h"
+#include "store/InstanceMetadata.h"
 #include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
@@ -28,7 +29,8 @@ namespace Model = Aws::S3::Model;
 class Async : public WireTest {
 protected:
     std::unique_ptr<S3Client> MakeClient(int threads) {
-        Aws::Client::ClientConfiguration configuration;
+        auto configuration =
+            ConfigurationWithoutInstanceMetadata<Aws::Client::ClientConfiguration>();
         configuration.region = kRegion;
         configuration.endpointOverride = kEndpoint;
         configuration.scheme = Aws::Http::Scheme::HTTP;
