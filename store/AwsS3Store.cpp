@@ -10,6 +10,7 @@
 #include "store/ClientChecksums.h"
 #include "store/InstanceMetadata.h"
 #include "store/ObjectKey.h"
+#include "store/PlainHosts.h"
 
 namespace {
 
@@ -91,6 +92,9 @@ int32_t AwsS3Store::BuildClient() {
     m_pClient = new Aws::S3::S3Client(credentials, configuration,
                                       Aws::Client::AWSAuthV4Signer::PayloadSigningPolicy::Never,
                                       bUseVirtualAddressing);
+    if (m_bUseHttps == 0 && m_strEndPoint.empty()) {
+        Mirqos::ReachOwnHostsOverHttp(*m_pClient, configuration.region, 0);
+    }
     return 0;
 }
 

@@ -35,6 +35,11 @@ protected:
         return SentBy(store);
     }
 
+    /// Newer SDKs name the region in the host of every one of them.
+    static constexpr const char* kHostOfDefaultRegion =
+        Mirqos::Test::kSdk1_11 ? "bucket-of-tests.s3.us-east-1.amazonaws.com"
+                               : "bucket-of-tests.s3.amazonaws.com";
+
     const MIRQOSEngineStarter m_engine{true, CloudStoreContext()};
     LogRecording m_log;  // without the start's own line
     TransportRecording m_transports;
@@ -88,7 +93,7 @@ TEST_F(StoreConfiguration, WithEveryTextNullTheDefaultRegionAndVirtualHostsAreUs
     EXPECT_STREQ(store.GetRegion(), "");
     EXPECT_STREQ(store.GetBucketName(), "");
     const auto sent = SentBy(store);
-    EXPECT_EQ(sent.request.host, "bucket-of-tests.s3.amazonaws.com");
+    EXPECT_EQ(sent.request.host, kHostOfDefaultRegion);
     EXPECT_EQ(sent.request.target, "/key");
     EXPECT_TRUE(sent.request.https);
     EXPECT_EQ(sent.request.port, 443);
@@ -117,11 +122,21 @@ TEST_F(StoreConfiguration, AnEndpointIsReachedByPath) {
 TEST_F(StoreConfiguration, AnEmptyEndpointMeansTheProvidersOwn) {
     CloudStoreConfigInfo config;
     config.m_pszEndPoint = "";
-    EXPECT_EQ(SentWith(config).request.host, "bucket-of-tests.s3.amazonaws.com");
+    EXPECT_EQ(SentWith(config).request.host, kHostOfDefaultRegion);
+}
+
+TEST_F(StoreConfiguration, ZeroSelectsHttpAtTheProvidersOwnHostsToo) {
+    CloudStoreConfigInfo config;
+    config.m_bUseHttps = 0;
+    const auto plain = SentWith(config);
+    EXPECT_FALSE(plain.request.https);
+    EXPECT_EQ(plain.request.port, 80);
+    EXPECT_EQ(plain.request.host, kHostOfDefaultRegion);
 }
 
 TEST_F(StoreConfiguration, ZeroSelectsHttpAndAnythingElseHttps) {
     CloudStoreConfigInfo config;
+    config.m_pszEndPoint = "storage.example.net";
     config.m_bUseHttps = 0;
     const auto plain = SentWith(config);
     EXPECT_FALSE(plain.request.https);
@@ -136,6 +151,7 @@ TEST_F(StoreConfiguration, PayloadsGoUnsignedOverHttpsAndHashedOverHttp) {
     CloudStoreConfigInfo config;
     config.m_pszAccessKeyId = "ID";
     config.m_pszSecretKey = "SECRET";
+    config.m_pszEndPoint = "storage.example.net";
     EXPECT_EQ(SentWith(config).Header("x-amz-content-sha256"), "UNSIGNED-PAYLOAD");
     config.m_bUseHttps = 0;
     EXPECT_EQ(SentWith(config).Header("x-amz-content-sha256"),
