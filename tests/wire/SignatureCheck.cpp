@@ -90,7 +90,14 @@ std::string Sha256Of(const std::string& bytes) {
     return HexOf(std::string(digest.begin(), digest.end()));
 }
 
+std::string Md5OfUploads(const std::string& bytes) {
+    return kSdk1_11 ? Md5Of(bytes) : "";
+}
+
 bool IsOfTheSdkItself(const std::string& header) {
+    if (kSdk1_11 && header == "content-md5") {
+        return true;
+    }
     return !kBundledSdk && (header.rfind("amz-sdk-", 0) == 0 || header == "x-amz-api-version" ||
                             header == "upgrade" || header == "http2-settings");
 }

@@ -31,5 +31,7 @@ std::string Sha256Of(const std::string& bytes);
 
 /// Base64 of the MD5, as Content-MD5 carries it.
 std::string Md5Of(const std::string& bytes);
+/// The value of Content-MD5 with an object or part of these bytes: 1.11 adds it of its own.
+std::string Md5OfUploads(const std::string& bytes);
 
 }  // namespace Mirqos::Test

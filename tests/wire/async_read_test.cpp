@@ -7,6 +7,7 @@
 
 #include "tests/support/Gate.h"
 #include "tests/support/StoreTestAccess.h"
+#include "tests/support/UsedSdk.h"
 #include "tests/wire/AsyncReadTest.h"
 
 namespace Mirqos::Test {
@@ -224,7 +225,13 @@ TEST_F(AsyncRead, ALongAnswerIsBoundedByTheLengthAskedFor) {
     const auto store = StoreWithThreads(1);
     OneRead read(0, 10);
     EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
-    EXPECT_EQ(store->WaitForReadObjectAsync(&read.context), 0);
+    const std::int32_t status = store->WaitForReadObjectAsync(&read.context);
+    if (kSdk1_11) {  // which fails a read of so much more than was asked for
+        EXPECT_EQ(status, StatusOf(Aws::S3::S3Errors::INTERNAL_FAILURE));
+        EXPECT_TRUE(read.Untouched());
+        return;
+    }
+    EXPECT_EQ(status, 0);
     EXPECT_EQ(read.buffer, Filled(std::string(10, 'x')));
 }
 

@@ -87,9 +87,14 @@ TEST_F(GetObjectAnswer, ALongerBodyThanTheBufferIsCutAtTheLengthAskedFor) {
     m_server.Next(Answer::Status(200).Body("y"));
     const auto store = MakeStore();
     const ReadResult read = Read(*store, "k", 0, 100);
-    EXPECT_EQ(read.status, 0);
-    EXPECT_EQ(read.size, 100u);
-    EXPECT_EQ(read.buffer, std::string(100, 'x') + std::string(16, ReadResult::kUntouchedByte));
+    if (kSdk1_11) {  // which fails a read of so much more than was asked for
+        EXPECT_EQ(read.status, StatusOf(Aws::S3::S3Errors::INTERNAL_FAILURE));
+        EXPECT_TRUE(read.Untouched());
+    } else {
+        EXPECT_EQ(read.status, 0);
+        EXPECT_EQ(read.size, 100u);
+        EXPECT_EQ(read.buffer, std::string(100, 'x') + std::string(16, ReadResult::kUntouchedByte));
+    }
     EXPECT_EQ(Read(*store, "k").Delivered(), "y");
 }
 

@@ -160,6 +160,7 @@ TEST_F(MultiPart, APartSendsExactlyThisRequest) {
     EXPECT_EQ(request.body, "part seven");
     EXPECT_EQ(request.Value("content-length"), "10");
     EXPECT_EQ(request.Value("x-amz-content-sha256"), Sha256Of("part seven"));
+    EXPECT_EQ(request.Value("content-md5"), Md5OfUploads("part seven"));
     EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
     EXPECT_EQ(UnknownHeaders(request), "");
     EXPECT_THAT(Lines(), IsEmpty());

@@ -31,6 +31,7 @@ TEST_P(PutObject, SendsExactlyThisRequest) {
     EXPECT_EQ(request.Value("content-type"), "binary/octet-stream");
     EXPECT_EQ(request.Value("x-amz-content-sha256"), Sha256Of("twelve bytes"));
     EXPECT_TRUE(IsAmzDate(request.Value("x-amz-date"))) << request.Value("x-amz-date");
+    EXPECT_EQ(request.Value("content-md5"), Md5OfUploads("twelve bytes"));
     EXPECT_EQ(SignedHeadersOf(request),
               "content-length;content-type;host;x-amz-content-sha256;x-amz-date");
     EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
