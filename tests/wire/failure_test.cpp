@@ -31,6 +31,13 @@ protected:
         return HasSubstr("Response code: " + std::to_string(httpStatus));
     }
 
+    /// Of an error whose document is longer than what a read keeps: 1.11 fails the read for that.
+    static constexpr S3Errors kErrorOfLongDocument =
+        kSdk1_11 ? S3Errors::INTERNAL_FAILURE : S3Errors::RESOURCE_NOT_FOUND;
+    static testing::Matcher<std::string> MessageOfLongDocument() {
+        return kSdk1_11 ? HasSubstr("Failed to flush response stream") : Nameless(404);
+    }
+
     /// Eleven reads answered by `answer`, as all attempts of one call are, then a good one.
     void ExpectEveryAttemptFails(const Answer& answer) {
         m_server.On("GET", "/").Times(11, answer).Always(Answer::Status(206).Body("again"));
@@ -160,8 +167,8 @@ TEST_F(Failure, AContentLengthThatIsNoNumber) {
 }
 
 TEST_F(Failure, AHugeBodyDeliversWhatWasAskedForAndNoMore) {
-    if (!kBundledSdk) {
-        GTEST_SKIP() << "an installed SDK receives every body to its end";
+    if (kSdk1_7) {
+        GTEST_SKIP() << "1.7 receives every body to its end";
     }
     m_server.Next(Answer::Status(200)
                       .Body(std::string(4 * 1024 * 1024, 'h'))
@@ -170,9 +177,14 @@ TEST_F(Failure, AHugeBodyDeliversWhatWasAskedForAndNoMore) {
     m_server.Next(Answer::Status(206).Body("again"));
     const auto store = MakeStore();
     const ReadResult read = Read(*store, "k", 0, 100);
-    EXPECT_EQ(read.status, 0);
-    EXPECT_EQ(read.buffer, std::string(100, 'h') + std::string(16, ReadResult::kUntouchedByte));
-    EXPECT_EQ(read.size, 100u);
+    if (kSdk1_11) {  // which fails a read of so much more than was asked for
+        EXPECT_EQ(read.status, StatusOf(S3Errors::INTERNAL_FAILURE));
+        EXPECT_TRUE(read.Untouched());
+    } else {
+        EXPECT_EQ(read.status, 0);
+        EXPECT_EQ(read.buffer, std::string(100, 'h') + std::string(16, ReadResult::kUntouchedByte));
+        EXPECT_EQ(read.size, 100u);
+    }
     EXPECT_EQ(Read(*store, "k").Delivered(), "again");
 }
 
@@ -202,7 +214,7 @@ TEST_F(Failure, AnErrorDocumentThatIsEmptyInside) {
 
 TEST_F(Failure, AnErrorDocumentNestedWithoutEnd) {
     ExpectFinal(Answer::Status(404).Body(Repeat("<a>", 100000) + Repeat("</a>", 100000)),
-                S3Errors::RESOURCE_NOT_FOUND, Nameless(404));
+                kErrorOfLongDocument, MessageOfLongDocument());
 }
 
 TEST_F(Failure, AnErrorDocumentThatExpandsEntities) {
@@ -218,7 +230,7 @@ TEST_F(Failure, AnErrorDocumentThatExpandsEntities) {
 TEST_F(Failure, AnErrorDocumentOfManyMegabytes) {
     ExpectFinal(Answer::Status(404).Body("<Error><Code>NoSuchKey</Code><Message>" +
                                          std::string(20 * 1024 * 1024, 'm')),
-                S3Errors::RESOURCE_NOT_FOUND, Nameless(404));
+                kErrorOfLongDocument, MessageOfLongDocument());
 }
 
 TEST_F(Failure, AMessageLongerThanALogLineIsCut) {
