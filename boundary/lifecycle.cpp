@@ -12,10 +12,6 @@ Aws::SDKOptions g_SDKOptions;
 
 namespace {
 
-// What the SDK runs with. An installed SDK that is stopped with other options than it was started
-// with does not take down all that it put up.
-Aws::SDKOptions g_startedWith;
-
 constexpr std::int32_t kDefaultLogLevel = 3;
 constexpr std::uint32_t kHighestLogLevel = 6;
 
@@ -43,8 +39,7 @@ std::int32_t InitCloudStoreContext(CloudStoreContext* context) {
               static_cast<int>(level));
     g_SDKOptions.loggingOptions.logger_create_fn = MakeLogSystem;
     if (g_nInitCount == 0) {
-        g_startedWith = g_SDKOptions;
-        Aws::InitAPI(g_startedWith);
+        Aws::InitAPI(g_SDKOptions);
     }
     ++g_nInitCount;
     return 0;
@@ -55,11 +50,11 @@ std::int32_t UnInitCloudStoreContext() {
     if (g_nInitCount > 0) {
         --g_nInitCount;
         if (g_nInitCount == 0) {
-            Aws::ShutdownAPI(g_startedWith);
+            Aws::ShutdownAPI(g_SDKOptions);
         }
     } else if (g_nInitCount == 0) {
         // Hosts rely on an unbalanced stop to shut the SDK down, whoever started it.
-        Aws::ShutdownAPI(g_startedWith);
+        Aws::ShutdownAPI(g_SDKOptions);
     }
     return 0;
 }

@@ -206,6 +206,9 @@ TEST_F(Lifecycle, LevelZeroThenThreeRunsWithoutTheSdksLog) {
 }
 
 TEST_F(Lifecycle, LevelThreeThenZeroKeepsTheSdksLogUntilTheStop) {
+    if (Mirqos::Test::kSdk1_11) {
+        GTEST_SKIP() << "1.11 keeps its log in a stop at level 0 and breaks down in the next start";
+    }
     StartAtLevel(3);
     ASSERT_NE(Aws::Utils::Logging::GetLogSystem(), nullptr);
     StartAtLevel(0);
