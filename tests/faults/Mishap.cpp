@@ -48,10 +48,10 @@ Judge WhereTagged(const Effect& effect) {
     };
 }
 
-/// Left out with an installed SDK of the 1.7 generation, which takes such an answer for a success,
-/// or goes where it points.
-Judge NotWithSdk1_7(Judge effect) {
-    return kSdk1_7 ? Judge([](const Sent&) { return std::nullopt; }) : effect;
+/// Left out with an installed SDK, which takes such an answer for a success, or goes where it
+/// points.
+Judge NotWithInstalledSdk(Judge effect) {
+    return kBundledSdk ? effect : Judge([](const Sent&) { return std::nullopt; });
 }
 
 /// The error that is made of a status alone. An installed SDK makes nothing of most.
@@ -141,7 +141,7 @@ void AddConnectionFaults(std::vector<Mishap>& faults) {
                 return kLostConnection;
             };
             if (stage == Stage::answerHeaders && harm == Harm::close) {
-                fault.effect = NotWithSdk1_7(fault.effect);
+                fault.effect = NotWithInstalledSdk(fault.effect);
             }
             faults.push_back(fault);
         }
@@ -188,14 +188,14 @@ void AddGarbage(std::vector<Mishap>& faults) {
             const std::string body = BodyOf(good);
             return Page(body.substr(0, body.size() / 2));
         },
-        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
+        NotWithInstalledSdk(Where(Answered::document, kNotUnderstood))));
     faults.push_back(Altered(
         "no document", [](const std::string&) { return Page(""); },
-        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
+        NotWithInstalledSdk(Where(Answered::document, kNotUnderstood))));
     faults.push_back(Altered(
         "another document",
         [](const std::string&) { return Page("<SomethingElse><a>b</a></SomethingElse>"); },
-        NotWithSdk1_7(Where(Answered::document, kNotUnderstood))));
+        NotWithInstalledSdk(Where(Answered::document, kNotUnderstood))));
 }
 
 void AddRefusals(std::vector<Mishap>& faults) {
@@ -218,23 +218,23 @@ void AddRefusals(std::vector<Mishap>& faults) {
     faults.push_back(Instead("301",
                              Answer::S3Error(301, "PermanentRedirect", "It moved.")
                                  .Header("Location", "http://127.0.0.1:1/elsewhere"),
-                             NotWithSdk1_7(Always(kNotUnderstood))));
+                             NotWithInstalledSdk(Always(kNotUnderstood))));
     faults.push_back(Instead("307",
                              Answer::S3Error(307, "TemporaryRedirect", "It is away.")
                                  .Header("Location", "http://127.0.0.1:1/elsewhere"),
-                             NotWithSdk1_7(Always(kNotUnderstood))));
+                             NotWithInstalledSdk(Always(kNotUnderstood))));
     faults.push_back(Instead("200 with InternalError",
                              Answer::S3Error(200, "InternalError", "Half way we stumbled."),
-                             NotWithSdk1_7(WhereRead(Retried(S3Errors::INTERNAL_FAILURE)))));
+                             NotWithInstalledSdk(WhereRead(Retried(S3Errors::INTERNAL_FAILURE)))));
     faults.push_back(
         Instead("200 with AccessDenied", Answer::S3Error(200, "AccessDenied", "Half way: no."),
-                NotWithSdk1_7(WhereRead({Effect::Kind::final, S3Errors::ACCESS_DENIED}))));
+                NotWithInstalledSdk(WhereRead({Effect::Kind::final, S3Errors::ACCESS_DENIED}))));
     for (const std::string page :
          {"<html><body><p>Log in</p></body></html>", "<HTML><BODY>Log in</BODY></HTML>",
           "<!DOCTYPE html><html><head><meta charset=utf-8></head>Log in</html>"}) {
         faults.emplace_back("200 with the page " + page.substr(0, 6), Stage::answer);
         faults.back().instead = [bytes = Page(page)](const std::string&, bool) { return bytes; };
-        faults.back().effect = NotWithSdk1_7(WhereRead(kNotUnderstood));
+        faults.back().effect = NotWithInstalledSdk(WhereRead(kNotUnderstood));
     }
 }
 
@@ -276,7 +276,7 @@ void AddHeaderFaults(std::vector<Mishap>& faults) {
     };
     faults.push_back(Altered(
         "two lengths", [](const std::string& good) { return WithLine(good, "Content-Length: 7"); },
-        NotWithSdk1_7(whereBody)));
+        NotWithInstalledSdk(whereBody)));
 }
 
 std::vector<Mishap> AllMishaps() {
