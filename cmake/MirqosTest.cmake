@@ -23,3 +23,9 @@ function(mirqos_test name)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED "${ARG_FIXTURES}")
   endif()
 endfunction()
+
+# mirqos_long_test(NAME) grants a test program that may take minutes a quarter of an hour.
+function(mirqos_long_test name)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT MIRQOS_TEST_LIMIT_SECONDS=840)
+endfunction()
