@@ -46,8 +46,10 @@ struct ReadResult {
 /// and whose waits between attempts are noted instead of done. Stores made here have to be gone
 /// when the test ends.
 class WireTest : public testing::Test {
-protected:
+public:
     static constexpr const char* kBucket = "the-bucket";
+
+protected:
     static constexpr const char* kRegion = "eu-central-1";
     static constexpr const char* kKeyId = "AKIDOFTESTS";
     static constexpr const char* kSecret = "secret/of+tests";

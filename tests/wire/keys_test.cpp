@@ -7,6 +7,7 @@
 
 #include "tests/support/KeyCorpus.h"
 #include "tests/wire/AsyncReadTest.h"
+#include "tests/wire/UploadOfKey.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -278,47 +279,19 @@ TEST_P(Corpus, IsNamedExactlyByEveryStepOfAnUpload) {
         keys.push_back(EveryKey()[i]);
     }
     for (const std::string& key : keys) {
-        m_server.Next(
-            Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>u</UploadId>"
-                                     "</InitiateMultipartUploadResult>"));
+        m_server.Next(UploadOfKey::Opened());
         m_server.Next(Answer::Status(200).Header("ETag", "\"e\""));
         m_server.Next(
             Answer::Status(200).Body("<CopyPartResult><ETag>\"e\"</ETag></CopyPartResult>"));
         m_server.Next(Answer::Status(204));
         m_server.Next(Answer::Status(200).Body("<CompleteMultipartUploadResult/>"));
-        CloudStoreInitMultiPartUploadContext init;
-        init.m_pszBucket = kBucket;
-        init.m_pszKey = key.c_str();
-        CloudStoreInitMultiPartUploadOutcome opened;
-        ASSERT_EQ(store->InitMultiPartUpload(&init, &opened), 0) << testing::PrintToString(key);
-        const unsigned char byte = 'v';
-        CloudStoreMultiPartUploadContext part;
-        part.m_pszUploadId = "u";
-        part.m_pszBucket = kBucket;
-        part.m_pszKey = key.c_str();
-        part.m_nPartNumber = 1;
-        part.m_pBuf = &byte;
-        part.m_nBufLen = 1;
-        ASSERT_EQ(store->MultiPartUpload(&part), 0) << testing::PrintToString(key);
-        const std::string source = "source-bucket/" + key;
-        CloudStoreMultiPartCopyContext copy;
-        copy.m_pszUploadId = "u";
-        copy.m_pszBucket = kBucket;
-        copy.m_pszKey = key.c_str();
-        copy.m_pszCopySource = source.c_str();
-        copy.m_nPartNumber = 2;
-        ASSERT_EQ(store->MultiPartCopy(&copy), 0) << testing::PrintToString(key);
-        CloudStoreAbortMultiPartUploadContext abort;
-        abort.m_pszUploadId = "u";
-        abort.m_pszBucket = kBucket;
-        abort.m_pszKey = key.c_str();
-        ASSERT_EQ(store->AbortMultiPartUpload(&abort), 0) << testing::PrintToString(key);
-        CloudStoreFinishMultiPartUploadContext finish;
-        finish.m_pszUploadId = "u";
-        finish.m_pszBucket = kBucket;
-        finish.m_pszKey = key.c_str();
-        finish.m_nPartCount = 2;
-        ASSERT_EQ(store->FinishMultiPartUpload(&finish), 0) << testing::PrintToString(key);
+        SCOPED_TRACE(testing::PrintToString(key));
+        const UploadOfKey upload(*store, key);
+        ASSERT_EQ(upload.Open(), 0);
+        ASSERT_EQ(upload.SendPart(), 0);
+        ASSERT_EQ(upload.CopySecondPart("source-bucket/" + key), 0);
+        ASSERT_EQ(upload.Abort(), 0);
+        ASSERT_EQ(upload.Finish(2), 0);
     }
     ExpectNamed(keys, 5);
 }

@@ -2,6 +2,7 @@
 
 #include "tests/support/KeyCorpus.h"
 #include "tests/wire/AsyncReadTest.h"
+#include "tests/wire/UploadOfKey.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -30,48 +31,11 @@ protected:
         copy.m_nSrcSize = 1;
         return store.CopyObject(&copy);
     }
-    /// Each upload gets the id "u".
-    std::int32_t Open(MIRQOSInterface& store, const std::string& key) {
-        CloudStoreInitMultiPartUploadContext init;
-        init.m_pszBucket = kBucket;
-        init.m_pszKey = key.c_str();
-        CloudStoreInitMultiPartUploadOutcome opened;
-        return store.InitMultiPartUpload(&init, &opened);
-    }
-    void OpenOne(MIRQOSInterface& store) {
-        m_server.Next(
-            Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>u</UploadId>"
-                                     "</InitiateMultipartUploadResult>"));
-        ASSERT_EQ(Open(store, "upload"), 0);
-    }
-    static CloudStoreMultiPartUploadContext Part(const std::string& key) {
-        static const unsigned char byte = 'v';
-        CloudStoreMultiPartUploadContext part;
-        part.m_pszUploadId = "u";
-        part.m_pszBucket = kBucket;
-        part.m_pszKey = key.c_str();
-        part.m_nPartNumber = 1;
-        part.m_pBuf = &byte;
-        part.m_nBufLen = 1;
-        return part;
-    }
-    static std::int32_t CopyPart(MIRQOSInterface& store, const std::string& key,
-                                 const std::string& source) {
-        CloudStoreMultiPartCopyContext copy;
-        copy.m_pszUploadId = "u";
-        copy.m_pszBucket = kBucket;
-        copy.m_pszKey = key.c_str();
-        copy.m_pszCopySource = source.c_str();
-        copy.m_nPartNumber = 2;
-        return store.MultiPartCopy(&copy);
-    }
-    static CloudStoreFinishMultiPartUploadContext Finish(const std::string& key) {
-        CloudStoreFinishMultiPartUploadContext finish;
-        finish.m_pszUploadId = "u";
-        finish.m_pszBucket = kBucket;
-        finish.m_pszKey = key.c_str();
-        finish.m_nPartCount = 1;
-        return finish;
+    UploadOfKey OpenOne(MIRQOSInterface& store) {
+        m_server.Next(UploadOfKey::Opened());
+        UploadOfKey upload(store, "upload");
+        EXPECT_EQ(upload.Open(), 0);
+        return upload;
     }
 };
 
@@ -104,12 +68,8 @@ TEST_P(RefusedKeys, BecomeNoRequestOfAnyOperationOnAnObject) {
         get.m_pszBucket = kBucket;
         get.m_pszKey = key.c_str();
         EXPECT_EQ(store->GetObjectTagging(&get), kRefused);
-        EXPECT_EQ(Open(*store, key), kRefused);
-        CloudStoreAbortMultiPartUploadContext abort;
-        abort.m_pszUploadId = "u";
-        abort.m_pszBucket = kBucket;
-        abort.m_pszKey = key.c_str();
-        EXPECT_EQ(store->AbortMultiPartUpload(&abort), kRefused);
+        EXPECT_EQ(UploadOfKey(*store, key).Open(), kRefused);
+        EXPECT_EQ(UploadOfKey(*store, key).Abort(), kRefused);
     }
     EXPECT_TRUE(m_server.Requests().empty());
 }
@@ -118,16 +78,14 @@ TEST_P(RefusedKeys, BecomeNoRequestOfAnOpenUpload) {
     const auto store = MakeProviderStore();
     for (const std::string& key : KeysNotKeptBySdk()) {
         SCOPED_TRACE(testing::PrintToString(key));
+        const UploadOfKey refused(*store, key);
         OpenOne(*store);
-        auto part = Part(key);
-        EXPECT_EQ(store->MultiPartUpload(&part), kRefused);
-        EXPECT_EQ(CopyPart(*store, key, "source-bucket/source"), kRefused);
-        auto finish = Finish(key);
-        EXPECT_EQ(store->FinishMultiPartUpload(&finish), kRefused);
-        OpenOne(*store);
-        EXPECT_EQ(store->DoMultiPartUploadAsync(&part), 0);
-        auto finishUpload = Finish("upload");
-        EXPECT_EQ(store->FinishMultiPartUploadAsync(&finishUpload), kRefused);
+        EXPECT_EQ(refused.SendPart(), kRefused);
+        EXPECT_EQ(refused.CopySecondPart("source-bucket/source"), kRefused);
+        EXPECT_EQ(refused.Finish(1), kRefused);
+        const UploadOfKey upload = OpenOne(*store);
+        EXPECT_EQ(refused.HandPartOver(), 0);
+        EXPECT_EQ(upload.FinishHandedOver(1), kRefused);
     }
     EXPECT_EQ(m_server.Requests().size(), 2 * KeysNotKeptBySdk().size()) << "the openings";
 }
@@ -138,14 +96,14 @@ TEST_P(RefusedKeys, AreSourcesOfCopiesWhereTheirDotsAlonePreventAPath) {
         .Always(
             Answer::Status(200).Body("<CopyObjectResult><ETag>\"e\"</ETag></CopyObjectResult>"));
     const auto store = MakeProviderStore();
-    OpenOne(*store);
+    const UploadOfKey upload = OpenOne(*store);
     std::size_t sent = 1;
     for (const std::string& key : KeysNotKeptBySdk()) {
         SCOPED_TRACE(testing::PrintToString(key));
         const std::string source = "source-bucket/" + key;
         const bool isSent = source.find("//") == source.npos;
         EXPECT_EQ(Copy(*store, key, "target"), isSent ? 0 : kRefused);
-        EXPECT_EQ(CopyPart(*store, "target", source), isSent ? 0 : kRefused);
+        EXPECT_EQ(upload.CopySecondPart(source), isSent ? 0 : kRefused);
         sent += isSent ? 2 : 0;
         ASSERT_EQ(m_server.Requests().size(), sent);
         if (isSent) {
