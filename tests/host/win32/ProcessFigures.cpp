@@ -5,53 +5,23 @@
 #include <psapi.h>
 #include <tlhelp32.h>
 
-#include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace {
 
-// The system's table of handles, since GetProcessHandleCount answers 0 under Wine. No header has
-// the function, the question and the shape of the answer.
-using QuerySystemInformation = LONG(WINAPI*)(ULONG question, void* answer, ULONG size,
-                                             ULONG* needed);
-constexpr ULONG kHandleTable = 64;
-constexpr LONG kTooSmall = static_cast<LONG>(0xC0000004);
-
-struct HandleEntry {
-    void* object;
-    ULONG_PTR processId;
-    ULONG_PTR handle;
-    ULONG access;
-    USHORT traceIndex;
-    USHORT typeIndex;
-    ULONG attributes;
-    ULONG reserved;
-};
-
-struct HandleTable {
-    ULONG_PTR count;
-    ULONG_PTR reserved;
-    HandleEntry first;
-};
-
+// Each value that a handle may have is tried: GetProcessHandleCount answers 0 under Wine, and the
+// system's table of handles ends Wine's server, and with it every program, when it is asked for
+// while another process has none, just after its start or before its end.
 std::int64_t Handles() {
-    const auto query = reinterpret_cast<QuerySystemInformation>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    std::vector<ULONG_PTR> room(32 * 1024);
-    LONG status = kTooSmall;
-    while (status == kTooSmall) {
-        room.resize(room.size() * 2);
-        const auto size = static_cast<ULONG>(room.size() * sizeof room[0]);
-        status = query(kHandleTable, room.data(), size, nullptr);
+    constexpr std::uintptr_t kStep = 4;
+    constexpr std::uintptr_t kEnd = 32768;
+    std::int64_t count = 0;
+    for (std::uintptr_t value = kStep; value < kEnd; value += kStep) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) ? 1 : 0;
     }
-    if (status != 0) {
-        return -1;
-    }
-    const auto* const table = reinterpret_cast<const HandleTable*>(room.data());
-    const HandleEntry* const entries = &table->first;
-    return std::count_if(entries, entries + table->count, [](const HandleEntry& entry) {
-        return entry.processId == GetCurrentProcessId();
-    });
+    return count;
 }
 
 std::int64_t FreeTls() {
