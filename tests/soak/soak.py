@@ -302,7 +302,7 @@ def main():
     folder = tempfile.mkdtemp(prefix="mirqos-soak-")
     try:
         run(options, folder)
-    except Failure as failure:
+    except (Failure, subprocess.TimeoutExpired) as failure:
         print("soak: FAILED with seed %d: %s\nsoak: its logs are in %s" %
               (options.seed, failure, folder))
         return 1
