@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/service/S3Server.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/LibraryLogRecording.h"
 #include "tests/support/StorePointer.h"
 
 namespace Mirqos::Test {
@@ -61,13 +61,13 @@ protected:
     std::int32_t Head(MIRQOSInterface& store, const std::string& key, bool& exists);
 
     const std::string& Bucket() const { return m_bucket; }
-    LogRecording& Log() { return m_log; }
+    LibraryLogRecording& Log() { return m_log; }
     /// Forgets the log lines so far, which the preparation of a test wrote.
     void ForgetLog() { m_log.Clear(); }
 
 private:
     CloudStoreContext m_context;
-    LogRecording m_log;
+    LibraryLogRecording m_log;
     std::string m_bucket;
 };
 

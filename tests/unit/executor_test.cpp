@@ -21,7 +21,7 @@
 #include "log/ModuleLog.h"
 #include "platform/process.h"
 #include "tests/support/Gate.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/LibraryLogRecording.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 namespace {
 
 using Mirqos::Test::Gate;
-using Mirqos::Test::LogRecording;
+using Mirqos::Test::LibraryLogRecording;
 
 class OpenExecutor : public AwsS3BackupExecutor {
 public:
@@ -100,7 +100,7 @@ protected:
         return static_cast<std::size_t>(std::count(texts.begin(), texts.end(), text));
     }
 
-    LogRecording m_log;  // outlives every executor of a test
+    LibraryLogRecording m_log;  // outlives every executor of a test
 };
 
 TEST_F(ExecutorTest, TasksRunOnThreadsOfTheExecutor) {

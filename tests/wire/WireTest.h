@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "store/AwsS3Store.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/LibraryLogRecording.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/wire/SignatureCheck.h"
 
@@ -101,7 +101,7 @@ protected:
                           const testing::Matcher<std::string>& message,
                           const std::string& exceptionName = "");
 
-    LogRecording m_log;
+    LibraryLogRecording m_log;
 
 private:
     MIRQOSEngineStarter m_engine{true, CloudStoreContext()};
