@@ -15,7 +15,7 @@
 #include "sdk/core/Seam.h"
 #include "store/AwsS3Store.h"
 #include "tests/support/FailingAllocation.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/LibraryLogRecording.h"
 #include "tests/support/UsedSdk.h"
 
 namespace {
@@ -50,6 +50,7 @@ protected:
             ++m_starts;
             m_linesAtStart = m_log.Texts();
             m_countAtStart = g_nInitCount;
+            m_factoryAtStart = bool(g_SDKOptions.loggingOptions.logger_create_fn);
         };
         Mirqos::TheSeam().onShutdownApi = [this] {
             ++m_stops;
@@ -69,12 +70,13 @@ protected:
             g_SDKOptions.loggingOptions.logger_create_fn());
     }
 
-    Mirqos::Test::LogRecording m_log;
+    Mirqos::Test::LibraryLogRecording m_log;
     int m_starts = 0;
     int m_stops = 0;
     std::vector<std::string> m_linesAtStart;
     std::vector<std::string> m_linesAtStop;
     std::int32_t m_countAtStart = -1;
+    bool m_factoryAtStart = false;
     std::int32_t m_countAtStop = -1;
 };
 
@@ -244,6 +246,13 @@ TEST_F(Lifecycle, FactoryIsRewrittenByEachStart) {
     InitCloudStoreContext(nullptr);
     ASSERT_TRUE(g_SDKOptions.loggingOptions.logger_create_fn);
     EXPECT_NE(MakeLogSystem(), nullptr);
+}
+
+TEST_F(Lifecycle, FactoryIsThereWhenTheSdkStarts) {
+    g_SDKOptions.loggingOptions.logger_create_fn = nullptr;
+    InitCloudStoreContext(nullptr);
+    EXPECT_EQ(m_starts, 1);
+    EXPECT_TRUE(m_factoryAtStart);
 }
 
 TEST_F(Lifecycle, GuardStartsAndStopsForItsScope) {
