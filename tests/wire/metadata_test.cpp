@@ -98,6 +98,17 @@ TEST_F(Metadata, SearchThatFindsNothingSucceedsQuietly) {
     EXPECT_THAT(Lines(), IsEmpty());
 }
 
+TEST_F(Metadata, SearchDoesNotGoOnBeyondAPageWithoutKeys) {
+    m_server.Next(ListingPage({}, "more"));
+    m_server.Next(ListingPage({"p"}));
+    const auto store = MakeStore();
+    bool exists = true;
+    EXPECT_EQ(Search(*store, "p", exists), 0);
+    EXPECT_FALSE(exists);
+    EXPECT_EQ(m_server.Requests().size(), 1u);
+    EXPECT_EQ(store->GetRequestCount(), 1u);
+}
+
 TEST_F(Metadata, ARefusedSearchGivesItsStatusAndBothLines) {
     m_server.Next(Answer::S3Error(404, "NoSuchBucket", "Gone"));
     const auto store = MakeStore();
