@@ -217,22 +217,44 @@ TEST_F(DeleteMany, GoogleStopsAtTheFirstKeyThatCannotBeDeleted) {
                                         "HEAD /the-bucket/two", "DELETE /the-bucket/two"));
 }
 
-/// Says of every object that it is missing.
-class EmptyHandedStore : public AwsS3Store {
+/// Says of every object that it exists, or that it is missing, and only notes what is deleted.
+class DerivedStore : public AwsS3Store {
 public:
+    explicit DerivedStore(bool objectsExist) : m_objectsExist(objectsExist) {
+        CloudStoreConfigInfo config;
+        config.m_pszEndPoint = "storage.test";
+        config.m_bUseHttps = 0;
+        config.m_nProviderType = 6;
+        EXPECT_EQ(Init(&config), 0);
+    }
+
     int32_t HeadObject(CloudStoreHeadObjectConext* pContext) override {
-        pContext->m_bExists = false;
+        pContext->m_bExists = m_objectsExist;
         return 0;
     }
+    int32_t DeleteObject(CloudStoreDeleteObjectContext* pContext) override {
+        m_deleted.push_back(std::string(pContext->m_pszBucket) + " " + pContext->m_pszKey);
+        return 0;
+    }
+
+    const std::vector<std::string>& Deleted() const { return m_deleted; }
+
+private:
+    const bool m_objectsExist;
+    std::vector<std::string> m_deleted;
 };
 
+TEST_F(DeleteMany, GoogleDeletesThroughTheInterfaceSoADerivedStoreSeesEachKey) {
+    DerivedStore store(true);
+    EXPECT_EQ(DeleteAll(store, {"a@b", "c"}), 0);
+    EXPECT_THAT(store.Deleted(), ElementsAre("the-bucket a@b", "the-bucket c"));
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
 TEST_F(DeleteMany, GoogleAsksThroughTheInterfaceSoADerivedStoreAnswers) {
-    EmptyHandedStore store;
-    CloudStoreConfigInfo config;
-    config.m_pszEndPoint = kEndpoint;
-    config.m_nProviderType = 6;
-    ASSERT_EQ(store.Init(&config), 0);
+    DerivedStore store(false);
     EXPECT_EQ(DeleteAll(store, {"a"}), 0);
+    EXPECT_THAT(store.Deleted(), IsEmpty());
     EXPECT_THAT(m_server.Requests(), IsEmpty());
     EXPECT_THAT(Lines(),
                 ElementsAre("AwsS3Store::DeleteObjectsV2 Checking object avilable a.",
