@@ -212,6 +212,24 @@ TEST_F(GetObjectRange, AnEmptyObjectInPlaceOfAnyRangeIsBelieved) {
     EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), "");
 }
 
+TEST_F(GetObjectRange, AReadOfNoLengthAsksAllTheSameAndDeliversNothing) {
+    m_server.Next(Answer::Status(206).Header("Content-Range", "bytes 0-0/5").Body("x"));
+    const auto store = MakeStore();
+    unsigned char byte = 'u';
+    CloudStoreReadObjectContext read;
+    read.m_pszBucket = kBucket;
+    read.m_pszKey = "k";
+    read.m_pBuf = &byte;
+    read.m_nReadLen = 0;
+    read.m_nReadSize = 7;
+    EXPECT_EQ(store->ReadObject(&read), 0);
+    EXPECT_EQ(read.m_nReadSize, 0u);
+    EXPECT_EQ(byte, 'u');
+    EXPECT_EQ(OnlyRequest().Value("range"), "bytes=0-0");
+    EXPECT_EQ(store->GetRequestCount(), 1u);
+    EXPECT_THAT(Lines(), testing::IsEmpty());
+}
+
 TEST_F(GetObjectRange, TheWholeObjectInPlaceOfARangeThatIsNoneIsNoFailure) {
     const auto store = MakeStore();
     m_server.Next(Answer::Status(200).Body("whole"));

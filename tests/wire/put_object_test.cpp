@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
@@ -86,6 +88,21 @@ TEST_P(PutObject, RequestsOneAfterTheOtherShareAConnection) {
 }
 
 using PutObjectAnswers = WireTest;
+
+TEST_F(PutObjectAnswers, EveryAttemptSendsTheBytesOfTheCallWhateverBecomesOfTheCallersBuffer) {
+    std::string bytes = "as they were";
+    bool first = true;
+    m_server.On("PUT", "/").Call([&](const RecordedRequest&) {
+        bytes.assign(bytes.size(), '?');
+        return Answer::Status(std::exchange(first, false) ? 500 : 200);
+    });
+    const auto store = MakeStore();
+    EXPECT_EQ(Write(*store, "k", bytes), 0);
+    const auto requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].body, "as they were");
+    EXPECT_EQ(requests[1].body, "as they were");
+}
 
 TEST_F(PutObjectAnswers, ARefusalGivesItsStatusAndOneLine) {
     m_server.Next(Answer::S3Error(404, "NoSuchBucket", "The bucket does not exist"));
