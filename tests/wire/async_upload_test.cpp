@@ -454,6 +454,23 @@ TEST_P(AsyncUploadRelease, AnswersThePartsInFlightFirst) {
 // 0: the SDK's own, of which each call has one
 INSTANTIATE_TEST_SUITE_P(Threads, AsyncUploadRelease, testing::Values(0, 2));
 
+TEST_F(AsyncUpload, StatesOfUploadsNeverFinishedOutliveTheirStore) {
+    std::weak_ptr<MultiPartUploadState> untouched;
+    std::weak_ptr<MultiPartUploadState> answered;
+    {
+        const auto store = StoreWithThreads(1);
+        Open(*store, "untouched");
+        Open(*store, "answered");
+        Part(1, Tagged("e"), "answered");
+        EXPECT_EQ(Submit(*store, 1, "x", true, "answered"), 0);
+        AwaitAnswers(*store, 1, "answered");
+        untouched = StoreTestAccess::Upload(*store, "untouched");
+        answered = StoreTestAccess::Upload(*store, "answered");
+    }
+    EXPECT_FALSE(untouched.expired());
+    EXPECT_FALSE(answered.expired());
+}
+
 TEST_F(AsyncUpload, AStoreReleasedWithUploadsOpenNeitherCompletesNorAbortsThem) {
     {
         const auto store = StoreWithThreads(2);
