@@ -49,6 +49,10 @@ PORTS = {
     "selfsigned": ("selfsigned", TODAY),
     "stranger": ("stranger", TODAY),
     "unverified": ("selfsigned", TODAY),
+    # those of the store's tests, which may run beside the transport's and count, too
+    "trusted": ("good", TLS12),
+    "untrusted": ("selfsigned", TODAY),
+    "misnamed": ("wronghost", TODAY),
 }
 
 

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
 
 #include "sdk/core/http/Transport.h"
 #include "tests/support/HttpExchange.h"
+#include "tests/tls/TlsServer.h"
 
 namespace Mirqos::Test {
 namespace {
@@ -17,19 +17,6 @@ using Http::Failure;
 
 Http::Limits Ample() {
     return {std::chrono::seconds(60), std::chrono::seconds(60)};
-}
-
-/// The port the test server gave to `name`; 0 when there is no such server.
-std::uint16_t PortOf(const std::string& name) {
-    std::ifstream ports(MIRQOS_TLS_FOLDER "/ports");
-    std::string each;
-    std::uint16_t port = 0;
-    while (ports >> each >> port) {
-        if (each == name) {
-            return port;
-        }
-    }
-    return 0;
 }
 
 Http::Request RequestTo(const std::string& name, const std::string& method,
@@ -48,23 +35,6 @@ std::shared_ptr<Http::Transport> Trusting(bool verify = true) {
     options.trustFile = MIRQOS_TLS_FOLDER "/ca.pem";
     options.verifyCertificates = verify;
     return Http::MakeTransport(options);
-}
-
-/// What the server has seen on a port: so far for "NAME/now", once its connections are closed for
-/// "NAME".
-std::map<std::string, int> CountsOf(const std::string& name) {
-    KeptAnswer answer;
-    const Http::Result result = Http::MakeTransport({})->Exchange(
-        LoopbackRequest(PortOf("control"), "GET", "/" + name), Ample(), answer);
-    EXPECT_EQ(result.failure, Failure::none) << result.message;
-    std::map<std::string, int> counts;
-    std::istringstream words(answer.body);
-    std::string word;
-    while (words >> word) {
-        const std::size_t equals = word.find('=');
-        counts[word.substr(0, equals)] = std::stoi(word.substr(equals + 1));
-    }
-    return counts;
 }
 
 void ExpectRefused(const std::string& name, const std::string& reason) {
