@@ -147,6 +147,13 @@ TEST_F(BucketAdmin, AnUnknownErrorWithAnotherMessageStaysUnknown) {
     }
 }
 
+TEST_F(BucketAdmin, ALocationOnALineOfItsOwnIsTheSame) {
+    m_server.Next(Location("\n  eu-west-1\n"));
+    const auto store = MakeStore();
+    EXPECT_EQ(Locate(*store), 0);
+    EXPECT_STREQ(m_location, "eu-west-1");
+}
+
 TEST_F(BucketAdmin, AnErrorUnderStatus200IsNoLocation) {
     m_server.Next(Answer::S3Error(200, "AccessDenied", "No, in more words than there is room for"));
     const auto store = MakeStore();

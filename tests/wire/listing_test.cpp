@@ -167,6 +167,23 @@ TEST_F(ListingWire, ExactlyAThousandInTheLastPageAreNotTruncated) {
     EXPECT_FALSE(listing.m_bTruncated);
 }
 
+TEST_F(ListingWire, HoweverAPageSaysThatMoreFollowsTheListingGoesOn) {
+    for (const char* const yes : {"true", "True", "TRUE", "1", "\n true \n"}) {
+        m_server.Next(Answer::Status(200).Body(
+            "<ListBucketResult><IsTruncated>" + std::string(yes) +
+            "</IsTruncated><NextContinuationToken>t</NextContinuationToken><Contents><Key>a</Key>"
+            "<Size> 12 </Size></Contents></ListBucketResult>"));
+        m_server.Next(ListingPage({"b"}));
+        const auto store = MakeStore();
+        CloudStoreListObjectConext list;
+        list.m_pszBucket = kBucket;
+        EXPECT_EQ(store->ListObjects(&list), 0);
+        ASSERT_EQ(list.m_nObjectCount, 2u) << yes;
+        EXPECT_EQ(list.m_pObjects[0].m_nSize, 12u);
+        store->ReleaseObjectData(&list);
+    }
+}
+
 TEST_F(ListingWire, AFailingSecondPageDropsTheFirst) {
     m_server.Next(ListingPage(NumberedKeys(3), "t1"));
     m_server.Next(Answer::S3Error(403, "AccessDenied", "No more"));

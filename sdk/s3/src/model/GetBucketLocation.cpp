@@ -3,6 +3,7 @@
 
 #include "sdk/core/client/Answer.h"
 #include "sdk/s3/src/Describe.h"
+#include "sdk/s3/src/ReadXml.h"
 
 namespace Aws::S3::Model {
 
@@ -15,7 +16,7 @@ Mirqos::Client::WireRequest GetBucketLocationRequest::Describe() const {
 
 GetBucketLocationResult::GetBucketLocationResult(Mirqos::Client::Answer&& answer)
     : m_locationConstraint(BucketLocationConstraintMapper::GetBucketLocationConstraintForName(
-          Mirqos::ToAws(answer.xml.Root().Text()))) {
+          Mirqos::ToAws(Mirqos::S3::Trimmed(answer.xml.Root().Text())))) {
 }
 
 }  // namespace Aws::S3::Model

@@ -27,7 +27,7 @@ MultipartUpload::MultipartUpload(const Mirqos::Xml::Element& element)
 
 ListMultipartUploadsResult::ListMultipartUploadsResult(Mirqos::Client::Answer&& answer)
     : m_uploads(Mirqos::S3::ReadAll<MultipartUpload>(answer.xml.Root(), "Upload")),
-      m_isTruncated(answer.xml.Root().TextOf("IsTruncated") == "true"),
+      m_isTruncated(Mirqos::S3::IsTrue(answer.xml.Root().TextOf("IsTruncated"))),
       m_nextKeyMarker(Mirqos::ToAws(answer.xml.Root().TextOf("NextKeyMarker"))) {
 }
 

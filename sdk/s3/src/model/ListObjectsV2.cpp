@@ -30,7 +30,7 @@ Object::Object(const Mirqos::Xml::Element& element)
 
 ListObjectsV2Result::ListObjectsV2Result(Mirqos::Client::Answer&& answer)
     : m_contents(Mirqos::S3::ReadAll<Object>(answer.xml.Root(), "Contents")),
-      m_isTruncated(answer.xml.Root().TextOf("IsTruncated") == "true"),
+      m_isTruncated(Mirqos::S3::IsTrue(answer.xml.Root().TextOf("IsTruncated"))),
       m_nextContinuationToken(Mirqos::ToAws(answer.xml.Root().TextOf("NextContinuationToken"))) {
 }
 
