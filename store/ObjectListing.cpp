@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <list>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -49,20 +50,20 @@ int32_t HandOut(const std::vector<Share>& shares, size_t nCount, bool bDecodeKey
     if (nCount == 0) {
         return 0;
     }
-    auto* pRecords = new (std::nothrow) CloudStoreObjInfo[nCount];
+    std::unique_ptr<CloudStoreObjInfo[]> pRecords(new (std::nothrow) CloudStoreObjInfo[nCount]);
     if (pRecords == nullptr) {
         ModuleLog(&g_ModuleLog, 1, "[%s]Failed to allocated memory. size: %llu.", pszOperation,
                   static_cast<unsigned long long>(nCount * sizeof(CloudStoreObjInfo)));
         return Mirqos::kOutOfMemory;
     }
-    CloudStoreObjInfo* pRecord = pRecords;
+    CloudStoreObjInfo* pRecord = pRecords.get();
     for (const Share& share : shares) {
         for (size_t i = 0; i < share.nTaken; ++i) {
             FillRecord((*share.pEntries)[i], bDecodeKeys, *pRecord++);
         }
     }
     pContext->m_nObjectCount = nCount;
-    pContext->m_pObjects = pRecords;
+    pContext->m_pObjects = pRecords.release();
     return 0;
 }
 
