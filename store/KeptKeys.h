@@ -40,6 +40,11 @@ bool IsKeptInPath(std::string_view key) {
     return !ChangesKeys<Options>::value || !(HasEmptyPart(key) || HasDotPart(key));
 }
 
+template <class Options>
+bool IsKeptAsBucket(std::string_view name) {
+    return !ChangesKeys<Options>::value || (name.find('/') == name.npos && !HasDotPart(name));
+}
+
 /// For the source of a copy, "[/]BUCKET/KEY". It goes in a header, where nothing follows dots.
 template <class Options>
 bool IsKeptAsCopySource(std::string_view source) {

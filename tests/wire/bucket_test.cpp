@@ -115,8 +115,21 @@ TEST_F(BucketName, ANameWithDotsGoesIntoTheHostOfAPlainRequest) {
 TEST_F(BucketName, SpecialCharactersAreEncodedInThePath) {
     m_server.Next(Answer::Status(200));
     const auto store = MakeStore();
-    EXPECT_TRUE(Head(*store, "a b/c?d"));
-    EXPECT_EQ(OnlyRequest().target, kBundledSdk ? "/a%20b%2Fc%3Fd" : "/a%20b/c?d");
+    EXPECT_TRUE(Head(*store, "a b?d"));
+    EXPECT_EQ(OnlyRequest().target, kBundledSdk ? "/a%20b%3Fd" : "/a%20b?d");
+}
+
+// An installed SDK leaves the slash as it is: the request would be one about an object.
+TEST_F(BucketName, ASlashNeverEndsTheName) {
+    m_server.On("HEAD", "").Always(Answer::Status(200));
+    const auto store = MakeStore();
+    EXPECT_EQ(Head(*store, "a/b"), kBundledSdk);
+    std::vector<std::string> targets;
+    for (const RecordedRequest& request : m_server.Requests()) {
+        targets.push_back(request.target);
+    }
+    EXPECT_EQ(targets,
+              kBundledSdk ? std::vector<std::string>{"/a%2Fb"} : std::vector<std::string>());
 }
 
 using BucketLocation = WireTest;
