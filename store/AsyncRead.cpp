@@ -72,7 +72,7 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         pBatch = m_pReadStatus;
     }
     ++pBatch->m_nTotal;
-    m_calls.Begin();
+    m_pCalls->Begin();
     try {
         auto pTransfer = Aws::MakeShared<TransferHandleAsyncContext>(Mirqos::kAllocationTag);
         pTransfer->m_oReadContext = *pContext;
@@ -89,18 +89,18 @@ int32_t AwsS3Store::ReadObjectAsync(CloudStoreReadObjectContext* pContext) {
         });
         m_pClient->GetObjectAsync(
             request,
-            [this](const Aws::S3::S3Client*, const auto& sent, const auto& outcome,
-                   const auto& context) {
+            [this, pCalls = m_pCalls](const Aws::S3::S3Client*, const auto& sent,
+                                      const auto& outcome, const auto& context) {
                 HandleAsyncReadFunc(sent, outcome,
                                     static_cast<const TransferHandleAsyncContext&>(*context));
-                m_calls.End();
+                pCalls->End();
             },
             pTransfer);
     } catch (const std::exception& failure) {
         // Counted, so it has to be answered: the wait would never end.
         ModuleLog(&g_ModuleLog, 1, "%s the read was not handed over: [%s].", kOperation,
                   failure.what());
-        m_calls.End();
+        m_pCalls->End();
         const std::lock_guard<std::mutex> lock(pBatch->m_mtxStatus);
         pBatch->m_nErrorCode = Mirqos::kOutOfMemory;
         ++pBatch->m_nComplete;
@@ -142,10 +142,9 @@ void AwsS3Store::HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& req
         batch.m_nErrorCode = Mirqos::kUnknownError;  // nowhere to deliver to is no success
     } else if (std::streambuf& body = *transfer.m_pResponseStream.load()->rdbuf();
                !Mirqos::HoldsRange(outcome.GetResult(), body, read)) {
-        const auto error = Mirqos::OtherRange();
-        batch.m_nErrorCode = static_cast<int32_t>(error.GetErrorType());
+        batch.m_nErrorCode = static_cast<int32_t>(Mirqos::kOtherRange);
         ModuleLog(&g_ModuleLog, 1, "[%s]. Key: %s Range = [%s] failed: %s", kOperation, pszKey,
-                  request.GetRange().c_str(), error.GetMessage().c_str());
+                  request.GetRange().c_str(), Mirqos::kOtherRangeText);
     } else if (batch.m_nErrorCode == 0) {
         // After a failure nothing more is delivered, and the failure stays: a success that replaced
         // it would tell the caller that all buffers hold their data.

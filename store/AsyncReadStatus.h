@@ -23,7 +23,9 @@ struct AsyncReadStatus {
                            ? Aws::MakeShared<Buffer>(Mirqos::kAllocationTag, std::move(spare))
                            : Aws::MakeShared<Buffer>(Mirqos::kAllocationTag, nLength);
         const std::lock_guard<std::mutex> lock(m_mtxBuffers);
-        m_vecSpare.reserve(m_vecBuffers.size() + 1);  // taking memory back must not fail
+        if (m_vecSpare.capacity() <= m_vecBuffers.size()) {
+            m_vecSpare.reserve(2 * m_vecBuffers.size() + 1);  // taking memory back must not fail
+        }
         m_vecBuffers.push_back(pBuffer);
         return pBuffer;
     }

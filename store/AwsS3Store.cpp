@@ -4,6 +4,7 @@
 
 #include <cassert>
 #include <new>
+#include <system_error>
 
 #include "exec/AwsS3BackupExecutor.h"
 #include "log/ModuleLog.h"
@@ -35,7 +36,7 @@ AwsS3Store::AwsS3Store() {
 AwsS3Store::~AwsS3Store() {
     // First, while every member is alive: handlers use the store. Deleted before its last call, an
     // installed SDK's client would fail those that have not begun.
-    m_calls.WaitForAll();
+    m_pCalls->WaitForAll();
     // The last owner of the executor joins its threads. The members follow in the reverse order of
     // their declaration; the map of uploads goes without the states it points to.
     delete m_pClient;
@@ -50,12 +51,13 @@ int32_t AwsS3Store::Init(CloudStoreConfigInfo* pConfig) {
     AssignIfGiven(m_strSecretKey, pConfig->m_pszSecretKey);
     AssignIfGiven(m_strAccessKeyId, pConfig->m_pszAccessKeyId);
     AssignIfGiven(m_strEndPoint, pConfig->m_pszEndPoint);
+    assert(pConfig->m_nBufferSize >= 0);
+    // First: where there is no memory for it, the earlier buffer and its size stay together.
+    m_pWorkBuffer = std::make_unique<Aws::Utils::Array<unsigned char>>(
+        static_cast<size_t>(pConfig->m_nBufferSize));
     m_bUseHttps = pConfig->m_bUseHttps;
     m_nBufferSize = pConfig->m_nBufferSize;
     m_nProviderType = pConfig->m_nProviderType;
-    assert(m_nBufferSize >= 0);
-    m_pWorkBuffer =
-        std::make_unique<Aws::Utils::Array<unsigned char>>(static_cast<size_t>(m_nBufferSize));
     m_ConfigInfo = *pConfig;
     return BuildClient();
 }
@@ -76,16 +78,7 @@ int32_t AwsS3Store::BuildClient() {
     }
     configuration.scheme = m_bUseHttps != 0 ? Aws::Http::Scheme::HTTPS : Aws::Http::Scheme::HTTP;
     Mirqos::AskForChecksumsOnlyWhenRequired(configuration, 0);
-    if (m_ConfigInfo.m_nThreadCount > 0) {
-        auto pExecutor = Aws::MakeShared<AwsS3BackupExecutor>(Mirqos::kAllocationTag);
-        if (pExecutor->Start(m_ConfigInfo.m_nThreadCount) != 0) {
-            throw std::bad_alloc();
-        }
-        configuration.executor = pExecutor;
-    } else if (m_ConfigInfo.m_nThreadCount < 0) {
-        ModuleLog(&g_ModuleLog, 1, "%s thread count %d counts as 0.", "AwsS3Store::Init",
-                  m_ConfigInfo.m_nThreadCount);
-    }
+    StartExecutor(configuration);
     // S3-compatible endpoints are reached by path: they seldom have a host name for each bucket.
     const bool bUseVirtualAddressing = m_strEndPoint.empty();
     // An earlier client is left alone: requests of it may still be running.
@@ -96,6 +89,29 @@ int32_t AwsS3Store::BuildClient() {
         Mirqos::ReachOwnHostsOverHttp(*m_pClient, configuration.region, 0);
     }
     return 0;
+}
+
+void AwsS3Store::StartExecutor(Aws::Client::ClientConfiguration& configuration) const {
+    constexpr char kOperation[] = "AwsS3Store::Init";
+    const int32_t nThreadCount = m_ConfigInfo.m_nThreadCount;
+    if (nThreadCount <= 0) {
+        if (nThreadCount < 0) {
+            ModuleLog(&g_ModuleLog, 1, "%s thread count %d counts as 0.", kOperation, nThreadCount);
+        }
+        return;
+    }
+    auto pExecutor = Aws::MakeShared<AwsS3BackupExecutor>(Mirqos::kAllocationTag);
+    try {
+        if (pExecutor->Start(nThreadCount) != 0) {
+            throw std::bad_alloc();
+        }
+    } catch (const std::system_error& refusal) {
+        // Too many threads are too much memory to the host, which knows that exception alone.
+        ModuleLog(&g_ModuleLog, 1, "%s thread count %d is refused: [%s].", kOperation, nThreadCount,
+                  refusal.what());
+        throw std::bad_alloc();
+    }
+    configuration.executor = pExecutor;
 }
 
 const char* AwsS3Store::GetRegion() {

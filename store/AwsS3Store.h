@@ -16,8 +16,8 @@ struct MultiPartUploadState;
 struct AsyncReadStatus;
 
 /// The object store over the AWS SDK's S3 client; mirqos/store.h holds the contract of each
-/// operation. Operations may run on several threads at once, but for Init, destruction and
-/// ReadObject, whose bodies all pass through the store's one work buffer.
+/// operation. Operations may run on several threads at once, but for Init and destruction; those
+/// that read synchronously take turns at the store's one work buffer.
 class AwsS3Store : public MIRQOSInterface {
 public:
     AwsS3Store();
@@ -65,6 +65,7 @@ public:
 
 private:
     int32_t BuildClient();
+    void StartExecutor(Aws::Client::ClientConfiguration& configuration) const;
     /// The caller's key as it goes to the service: a copy, with the key substitution of the
     /// provider types that need it.
     Aws::String KeyForService(const char* pszKey) const;
@@ -76,6 +77,7 @@ private:
 
     /// The state of an upload that is open in this store, or null.
     std::shared_ptr<MultiPartUploadState> FindUpload(const char* pszUploadId);
+    bool IsOpen(const MultiPartUploadState& state);
     void ForgetUpload(const char* pszUploadId);
     /// Writes the line about an upload id that is not open here; returns the status that says so.
     static int32_t UnknownUpload(const char* pszOperation);
@@ -98,7 +100,8 @@ private:
                         const char* pszUploadId, unsigned char* pBuffer, uint32_t nPartSize,
                         uint64_t& nPartsTried);
     /// What each asynchronous call brings back, on a thread of the executor. Neither throws.
-    void HandleUploadPartAsync(const Aws::S3::Model::UploadPartRequest& request,
+    void HandleUploadPartAsync(MultiPartUploadState& state,
+                               const Aws::S3::Model::UploadPartRequest& request,
                                const Aws::S3::Model::UploadPartOutcome& outcome);
     struct TransferHandleAsyncContext;
     void HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& request,
@@ -122,9 +125,12 @@ private:
     std::unordered_map<std::string, std::shared_ptr<MultiPartUploadState>> m_mapUploads;
     std::mutex m_mtxStore;
     std::shared_ptr<AsyncReadStatus> m_pReadStatus;
-    Mirqos::CallsInFlight m_calls;
+    const std::shared_ptr<Mirqos::CallsInFlight> m_pCalls =
+        std::make_shared<Mirqos::CallsInFlight>();
     int32_t m_nBufferSize = 0;
+    // Every ReadObject receives into it, those of copies through a file as well: one at a time.
     std::unique_ptr<Aws::Utils::Array<unsigned char>> m_pWorkBuffer;
+    std::mutex m_mtxWorkBuffer;
     std::atomic<uint64_t> m_nRequestCount{0};
     std::atomic<uint64_t> m_nInitMultiPartCount{0};
     std::atomic<uint64_t> m_nFinishMultiPartCount{0};

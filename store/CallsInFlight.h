@@ -7,7 +7,8 @@
 namespace Mirqos {
 
 /// Counts the asynchronous calls of a store that have not ended. As long as there is one, a handler
-/// that uses the store may run.
+/// that uses the store may run. Handlers share its ownership: the last of them may still be inside
+/// End when the store goes.
 class CallsInFlight {
 public:
     void Begin();

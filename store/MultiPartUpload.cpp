@@ -18,6 +18,7 @@
 #include "store/ObjectBody.h"
 #include "store/ObjectKey.h"
 #include "store/Status.h"
+#include "store/UploadId.h"
 
 namespace {
 
@@ -57,6 +58,11 @@ std::shared_ptr<MultiPartUploadState> AwsS3Store::FindUpload(const char* pszUplo
     return found != m_mapUploads.end() ? found->second : nullptr;
 }
 
+bool AwsS3Store::IsOpen(const MultiPartUploadState& state) {
+    const std::lock_guard<std::mutex> lock(m_mtxStore);
+    return state.m_pSelf != nullptr;
+}
+
 void AwsS3Store::ForgetUpload(const char* pszUploadId) {
     const std::lock_guard<std::mutex> lock(m_mtxStore);
     const auto found = m_mapUploads.find(pszUploadId);
@@ -76,15 +82,19 @@ int32_t AwsS3Store::InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* pC
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
 
     const auto outcome = m_pClient->CreateMultipartUpload(request);
-    if (!outcome.IsSuccess()) {
-        const int32_t nStatus = Mirqos::StatusOf(outcome);
+    const char* pszUploadId = outcome.GetResult().GetUploadId().c_str();
+    if (!outcome.IsSuccess() || *pszUploadId == '\0') {
+        // Without an id the parts and an abort of the upload would be requests about the object.
+        const int32_t nStatus = outcome.IsSuccess()
+                                    ? static_cast<int32_t>(Aws::S3::S3Errors::UNKNOWN)
+                                    : Mirqos::StatusOf(outcome);
         ModuleLog(&g_ModuleLog, 1, "Init multi-part upload for:[%s:%s:%s] failed.EC:[%d].",
                   m_strRegion.c_str(), pContext->m_pszBucket, pContext->m_pszKey, nStatus);
         ModuleLog(&g_ModuleLog, 1, "Init Error Message:[%s].",
-                  outcome.GetError().GetMessage().c_str());
+                  outcome.IsSuccess() ? "The answer holds no upload id."
+                                      : outcome.GetError().GetMessage().c_str());
         return nStatus;
     }
-    const char* pszUploadId = outcome.GetResult().GetUploadId().c_str();
     // An id cut short would name no upload and lose every part: the process ends instead.
     Mirqos::CopyTextOrEndProcess(pOutcome->m_szUploadId, sizeof pOutcome->m_szUploadId,
                                  pszUploadId);
@@ -100,7 +110,7 @@ Aws::S3::Model::UploadPartRequest AwsS3Store::PartRequest(
     Aws::S3::Model::UploadPartRequest request;
     Mirqos::SetBucketName(request, context.m_pszBucket);
     SetObjectKey(request, KeyForService(context.m_pszKey));
-    request.SetUploadId(context.m_pszUploadId);
+    Mirqos::SetUploadId(request, context.m_pszUploadId);
     request.SetPartNumber(static_cast<int>(context.m_nPartNumber));
     return request;
 }
@@ -143,7 +153,7 @@ int32_t AwsS3Store::MultiPartCopy(CloudStoreMultiPartCopyContext* pContext) {
     Aws::S3::Model::UploadPartCopyRequest request;
     Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
-    request.SetUploadId(pContext->m_pszUploadId);
+    Mirqos::SetUploadId(request, pContext->m_pszUploadId);
     request.SetPartNumber(static_cast<int>(pContext->m_nPartNumber));
     SetCopySource(request, pContext->m_pszCopySource);
     request.SetCopySourceRange(range);
@@ -166,7 +176,7 @@ int32_t AwsS3Store::CompleteUpload(const CloudStoreFinishMultiPartUploadContext&
     Aws::S3::Model::CompleteMultipartUploadRequest request;
     Mirqos::SetBucketName(request, context.m_pszBucket);
     SetObjectKey(request, KeyForService(context.m_pszKey));
-    request.SetUploadId(context.m_pszUploadId);
+    Mirqos::SetUploadId(request, context.m_pszUploadId);
     request.SetMultipartUpload(PartList(state, context.m_nPartCount));
 
     const auto outcome = m_pClient->CompleteMultipartUpload(request);
@@ -201,7 +211,7 @@ int32_t AwsS3Store::AbortMultiPartUpload(CloudStoreAbortMultiPartUploadContext* 
     Aws::S3::Model::AbortMultipartUploadRequest request;
     Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
-    request.SetUploadId(pContext->m_pszUploadId);
+    Mirqos::SetUploadId(request, pContext->m_pszUploadId);
 
     const auto outcome = m_pClient->AbortMultipartUpload(request);
     if (outcome.IsSuccess()) {

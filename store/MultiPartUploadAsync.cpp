@@ -4,6 +4,7 @@
 
 #include <cassert>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "log/ModuleLog.h"
@@ -81,42 +82,47 @@ int32_t AwsS3Store::DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pCo
             pState->m_bLastPartSubmitted = true;
         }
     }
-    m_calls.Begin();
+    m_pCalls->Begin();
     try {
         request.SetBody(KeepBody(*pContext, *pState));
-        m_pClient->UploadPartAsync(request, [this](const Aws::S3::S3Client*, const auto& sent,
-                                                   const auto& outcome, const auto&) {
-            HandleUploadPartAsync(sent, outcome);
-            m_calls.End();
-        });
+        m_pClient->UploadPartAsync(
+            request, [this, pCalls = m_pCalls, pState](const Aws::S3::S3Client*, const auto& sent,
+                                                       const auto& outcome, const auto&) {
+                HandleUploadPartAsync(*pState, sent, outcome);
+                pCalls->End();
+            });
     } catch (const std::exception& failure) {
         ModuleLog(&g_ModuleLog, 1, "%s part [%d] was not handed over: [%s].", kOperation,
                   request.GetPartNumber(), failure.what());
-        m_calls.End();
+        m_pCalls->End();
         RecordLostPart(*pState, Mirqos::kOutOfMemory);
     }
     return 0;
 }
 
-void AwsS3Store::HandleUploadPartAsync(const Aws::S3::Model::UploadPartRequest& request,
+void AwsS3Store::HandleUploadPartAsync(MultiPartUploadState& state,
+                                       const Aws::S3::Model::UploadPartRequest& request,
                                        const Aws::S3::Model::UploadPartOutcome& outcome) {
-    const auto pState = FindUpload(request.GetUploadId().c_str());
-    if (pState == nullptr) {
+    if (!IsOpen(state)) {
         UnknownUpload("AwsS3Store::HandleUploadPartAsync");
         return;
     }
-    const std::lock_guard<std::mutex> lock(pState->m_mtxState);
+    const std::lock_guard<std::mutex> lock(state.m_mtxState);
     if (outcome.IsSuccess()) {
-        // The answer handled last stands, unlike that of a part sent synchronously.
-        pState->m_mapPartETags[static_cast<uint32_t>(request.GetPartNumber())] =
-            outcome.GetResult().GetETag();
+        try {
+            // The answer handled last stands, unlike that of a part sent synchronously.
+            state.m_mapPartETags[static_cast<uint32_t>(request.GetPartNumber())] =
+                outcome.GetResult().GetETag();
+        } catch (const std::bad_alloc&) {
+            state.m_nLastError = Mirqos::kOutOfMemory;  // nobody catches above a handler
+        }
     } else {
-        pState->m_nLastError = Mirqos::StatusOf(outcome);
+        state.m_nLastError = Mirqos::StatusOf(outcome);
         ModuleLog(&g_ModuleLog, 1, "Part Upload:[%s:%s:%s:%d] failed.", m_strRegion.c_str(),
                   request.GetBucket().c_str(), request.GetKey().c_str(), request.GetPartNumber());
         ModuleLog(&g_ModuleLog, 1, "Part Upload:[%s].", outcome.GetError().GetMessage().c_str());
     }
-    CountAnswer(*pState, lock);
+    CountAnswer(state, lock);
 }
 
 int32_t AwsS3Store::FinishMultiPartUploadAsync(CloudStoreFinishMultiPartUploadContext* pContext) {

@@ -29,9 +29,9 @@ struct MultiPartUploadState {
     uint32_t m_nPartsDone = 0;  ///< guarded by m_mtxState
     int32_t m_nLastError = 0;   ///< of the part that failed last; guarded by m_mtxState
     std::condition_variable m_cvPartsDone;
-    /// A leaf: nothing else is locked while it is held.
+    /// Nothing else of the store is locked while it is held.
     std::mutex m_mtxState;
     /// The state's hold on itself as long as its upload is open: the state of an upload that is
-    /// never finished outlives its store.
+    /// never finished outlives its store. Guarded by the store's mutex.
     std::shared_ptr<MultiPartUploadState> m_pSelf;
 };

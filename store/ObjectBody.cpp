@@ -32,11 +32,6 @@ bool HoldsRange(const Aws::S3::Model::GetObjectResult& answer, std::streambuf& b
            body.in_avail() == 0;
 }
 
-Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange() {
-    return {Aws::S3::S3Errors::UNKNOWN, "",
-            "The answer holds other bytes than the range asked for.", false};
-}
-
 uint64_t CopyBody(std::streambuf& body, unsigned char* pDestination) {
     return static_cast<uint64_t>(
         body.sgetn(reinterpret_cast<char*>(pDestination), body.in_avail()));

@@ -27,7 +27,8 @@ bool HoldsRange(const Aws::S3::Model::GetObjectResult& answer, std::streambuf& b
 
 /// What a read that HoldsRange refuses fails with: to deliver its bytes would alter the caller's
 /// data, and to ask again would bring them again.
-Aws::Client::AWSError<Aws::S3::S3Errors> OtherRange();
+inline constexpr Aws::S3::S3Errors kOtherRange = Aws::S3::S3Errors::UNKNOWN;
+inline constexpr char kOtherRangeText[] = "The answer holds other bytes than the range asked for.";
 
 /// Copies what was received into `body`, the response stream of a read, to `pDestination` and
 /// returns its length.

@@ -73,7 +73,9 @@ int32_t AwsS3Store::CopyInOneRequest(CloudStoreCopyObjectContext& context, int32
     Aws::S3::Model::CopyObjectRequest request;
     Mirqos::SetBucketName(request, context.m_pszDstBucket);
     SetObjectKey(request, KeyForService(context.m_pszDstKey));
-    SetCopySource(request, source);
+    if (*context.m_pszSrcBucket != '\0') {  // else the key's first part would be the bucket
+        SetCopySource(request, source);
+    }
 
     const auto outcome = m_pClient->CopyObject(request);
     if (outcome.IsSuccess()) {

@@ -45,6 +45,7 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     assert(pContext != nullptr && m_pClient != nullptr);
     assert(pContext->m_nReadLen <= m_pWorkBuffer->GetLength());
     ++m_nRequestCount;
+    std::unique_lock<std::mutex> lock(m_mtxWorkBuffer);
     Aws::S3::Model::GetObjectRequest request;
     Mirqos::SetBucketName(request, pContext->m_pszBucket);
     SetObjectKey(request, KeyForService(pContext->m_pszKey));
@@ -63,8 +64,10 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
             return 0;
         }
     }
+    lock.unlock();
     const Aws::Client::AWSError<Aws::S3::S3Errors> error =
-        outcome.IsSuccess() ? Mirqos::OtherRange()
+        outcome.IsSuccess() ? Aws::Client::AWSError<Aws::S3::S3Errors>(
+                                  Mirqos::kOtherRange, "", Mirqos::kOtherRangeText, false)
                             : Aws::Client::AWSError<Aws::S3::S3Errors>(outcome.GetError());
     const auto nStatus = static_cast<int32_t>(error.GetErrorType());
     ModuleLog(&g_ModuleLog, 1, "region:[%s], bucket:[%s] read object:[%s] failed.",

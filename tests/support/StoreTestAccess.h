@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "store/AsyncReadStatus.h"
@@ -20,6 +21,9 @@ struct StoreTestAccess {
         const std::lock_guard<std::mutex> lock(store.m_mtxStore);
         return store.m_pReadStatus;
     }
+
+    /// What the store takes for the size of its work buffer.
+    static std::int32_t BufferSize(const AwsS3Store& store) { return store.m_nBufferSize; }
 
     /// What the store keeps of an open upload; null for one that is not open.
     static std::shared_ptr<MultiPartUploadState> Upload(AwsS3Store& store, const char* uploadId) {

@@ -5,11 +5,14 @@
 #include <chrono>
 #include <new>
 #include <string>
+#include <system_error>
 
+#include "exec/ExecutorSeam.h"
 #include "store/AwsS3Store.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/RecordingOutput.h"
 #include "tests/support/RecordingTransport.h"
+#include "tests/support/StoreTestAccess.h"
 #include "tests/support/UsedSdk.h"
 
 namespace {
@@ -63,6 +66,36 @@ TEST_F(StoreConfiguration, InitWithoutMemoryForItsThreadsThrowsAndMayBeCalledAga
         EXPECT_THROW(store.Init(&config), std::bad_alloc);
     }
     EXPECT_EQ(m_log.CountContaining("is started."), 0u);
+    EXPECT_EQ(store.Init(&config), 0);
+    SentBy(store);
+}
+
+TEST_F(StoreConfiguration, AnInitWithoutMemoryForItsBufferKeepsTheFormerBufferAndItsSize) {
+    constexpr std::int32_t kLarge = 2 * 1024 * 1024;
+    CloudStoreConfigInfo config;
+    config.m_nBufferSize = 4096;
+    config.m_nProviderType = 6;
+    AwsS3Store store;
+    ASSERT_EQ(store.Init(&config), 0);
+    config.m_nBufferSize = kLarge;
+    {
+        const Mirqos::Test::FailingAllocation none(kLarge);
+        EXPECT_THROW(store.Init(&config), std::bad_alloc);
+    }
+    EXPECT_EQ(StoreTestAccess::BufferSize(store), 4096);
+}
+
+TEST_F(StoreConfiguration, AThreadThatTheSystemRefusesLeavesInitAsALackOfMemory) {
+    CloudStoreConfigInfo config;
+    config.m_nThreadCount = 2;
+    AwsS3Store store;
+    Mirqos::TheExecutorSeam().onThreadCreation = [] {
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
+                                "no thread");
+    };
+    EXPECT_THROW(store.Init(&config), std::bad_alloc);
+    Mirqos::TheExecutorSeam().onThreadCreation = nullptr;
+    EXPECT_EQ(m_log.CountContaining("AwsS3Store::Init thread count 2 is refused: [no thread"), 1u);
     EXPECT_EQ(store.Init(&config), 0);
     SentBy(store);
 }

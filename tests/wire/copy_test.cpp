@@ -75,6 +75,13 @@ TEST_F(Copy, KeysTakeTheSubstitutionAtBothEndsAndLinesShowThemAsGiven) {
     EXPECT_THAT(Lines(), ElementsAre("Copy from " + Ends("s@1", "t@1") + " success."));
 }
 
+TEST_F(Copy, WithoutASourceBucketNothingIsSentBecauseTheKeyWouldNameOne) {
+    const auto store = MakeStore();
+    m_copy.m_pszSrcBucket = "";
+    EXPECT_EQ(store->CopyObject(&m_copy), StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
 TEST_F(Copy, AMissingSourceIsAFailureUnlessTheCallerForgivesIt) {
     const int missing = StatusOf(Aws::S3::S3Errors::NO_SUCH_KEY);
     for (const bool forgive : {false, true}) {
@@ -158,28 +165,40 @@ protected:
         m_log.Clear();
     }
 
-    void ServeSource() {
-        m_server.On("HEAD", "/source-bucket/s").Always(Answer::Status(200));
-        m_server.On("GET", "/source-bucket/s").Call([this](const RecordedRequest& request) {
+    void ServeSource() { ServeSource("s", m_bytes); }
+    void ServeSource(const std::string& key, const std::string& bytes) {
+        const std::string target = "/source-bucket/" + key;
+        m_server.On("HEAD", target).Always(Answer::Status(200));
+        m_server.On("GET", target).Call([bytes](const RecordedRequest& request) {
             const std::string range = request.Value("range");
             const auto dash = range.find('-');
             const auto first = static_cast<std::size_t>(std::stoull(range.substr(6, dash - 6)));
             const auto last = static_cast<std::size_t>(std::stoull(range.substr(dash + 1)));
             return Answer::Status(206)
                 .Header("Content-Range", "bytes " + range.substr(6) + "/*")
-                .Body(m_bytes.substr(first, last - first + 1));
+                .Body(bytes.substr(first, last - first + 1));
         });
     }
-    void ServeTarget() {
-        m_server.On("POST", "/target-bucket/t?uploads")
-            .Always(Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>u</UploadId>"
-                                             "</InitiateMultipartUploadResult>"));
-        m_server.On("PUT", "/target-bucket/t?partNumber=")
-            .Always(Answer::Status(200).Header("ETag", "e"));
-        m_server.On("POST", "/target-bucket/t?uploadId=u")
+    void ServeTarget(const std::string& key = "t", const std::string& upload = "u") {
+        const std::string target = "/target-bucket/" + key;
+        m_server.On("POST", target + "?uploads")
+            .Always(Answer::Status(200).Body("<InitiateMultipartUploadResult><UploadId>" + upload +
+                                             "</UploadId></InitiateMultipartUploadResult>"));
+        m_server.On("PUT", target + "?partNumber=").Always(Answer::Status(200).Header("ETag", "e"));
+        m_server.On("POST", target + "?uploadId=" + upload)
             .Always(Answer::Status(200).Body(
                 "<CompleteMultipartUploadResult></CompleteMultipartUploadResult>"));
-        m_server.On("DELETE", "/target-bucket/t?uploadId=u").Always(Answer::Status(204));
+        m_server.On("DELETE", target + "?uploadId=" + upload).Always(Answer::Status(204));
+    }
+    /// The bytes of all parts sent to that key, in the order they came in.
+    std::string SentTo(const std::string& key) const {
+        std::string sent;
+        for (const RecordedRequest& request : m_server.Requests()) {
+            if (request.target.find("/" + key + "?partNumber=") != std::string::npos) {
+                sent += request.body;
+            }
+        }
+        return sent;
     }
     std::size_t Count(const std::string& method, const std::string& targetPart) const {
         std::size_t count = 0;
@@ -212,13 +231,7 @@ TEST_F(CopyThroughFile, EveryByteArrivesInPartsAndNothingIsLeft) {
     EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
     EXPECT_FALSE(m_files.LeftBehind());
     EXPECT_EQ(m_files.OpenFiles(), 0);
-    std::string sent;
-    for (const RecordedRequest& request : m_server.Requests()) {
-        if (request.target.find("partNumber=") != std::string::npos) {
-            sent += request.body;
-        }
-    }
-    EXPECT_TRUE(sent == m_bytes);
+    EXPECT_TRUE(SentTo("t") == m_bytes);
     EXPECT_EQ(Count("GET", "/source-bucket/s"), 4u);
     EXPECT_EQ(Count("PUT", "partNumber="), 3u);
     EXPECT_EQ(Count("POST", "uploadId=u"), 1u);
@@ -506,7 +519,6 @@ TEST_F(CopyThroughFile, ConcurrentCopiesUseFilesOfTheirOwn) {
     std::atomic<int> good{0};
     for (int host = 0; host < 4; ++host) {
         hosts.emplace_back([&] {
-            // a store for each, as reads through one work buffer must not overlap
             const auto store = StoreOfProvider(6);
             CloudStoreCopyObjectContext copy = m_copy;
             good += store->CopyObject(&copy) == 0 ? 1 : 0;
@@ -528,6 +540,30 @@ TEST_F(CopyThroughFile, ConcurrentCopiesUseFilesOfTheirOwn) {
         }
     }
     EXPECT_EQ(whole, 4);
+}
+
+// They read through the store's one buffer.
+TEST_F(CopyThroughFile, CopiesOfOneStoreKeepTheirBytesApart) {
+    constexpr int kCopies = 8;
+    std::vector<std::thread> hosts;
+    for (char name = 'a'; name < 'a' + kCopies; ++name) {
+        const std::string key(1, name);
+        ServeSource(key, std::string(kSize, name));
+        ServeTarget(key, "u" + key);
+    }
+    for (char name = 'a'; name < 'a' + kCopies; ++name) {
+        hosts.emplace_back([this, key = std::string(1, name)] {
+            CloudStoreCopyObjectContext copy = m_copy;
+            copy.m_pszSrcKey = copy.m_pszDstKey = key.c_str();
+            EXPECT_EQ(m_store->CopyObject(&copy), 0);
+        });
+    }
+    for (std::thread& host : hosts) {
+        host.join();
+    }
+    for (char name = 'a'; name < 'a' + kCopies; ++name) {
+        EXPECT_TRUE(SentTo(std::string(1, name)) == std::string(kSize, name)) << name;
+    }
 }
 
 TEST_F(CopyThroughFile, SizesThatWouldLoopForEverGive87BeforeAnythingIsCreated) {

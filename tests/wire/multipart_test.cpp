@@ -370,6 +370,25 @@ TEST_F(MultiPart, AnAbortLeavesTheUploadKnownAndOnlyAFinishForgetsIt) {
     EXPECT_EQ(Finish(*store, 1), StatusOf(Aws::S3::S3Errors::NO_SUCH_UPLOAD));
 }
 
+TEST_F(MultiPart, AnAbortWithoutAnIdIsRefusedBecauseItWouldDeleteTheObject) {
+    const auto store = MakeStore();
+    EXPECT_EQ(Abort(*store, ""), StatusOf(Aws::S3::S3Errors::MISSING_PARAMETER));
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+    EXPECT_THAT(Lines(), ElementsAre(HasSubstr("Abort Multi-Upload:["),
+                                     "Abort message:[Missing required field [UploadId]],"));
+}
+
+TEST_F(MultiPart, AnOpeningAnsweredWithoutAnIdHasFailed) {
+    m_server.Next(Opened(""));
+    const auto store = MakeStore();
+    CloudStoreInitMultiPartUploadOutcome outcome;
+    EXPECT_EQ(Init(*store, outcome), StatusOf(Aws::S3::S3Errors::UNKNOWN));
+    EXPECT_THAT(Lines(), ElementsAre(HasSubstr(":k] failed.EC:[100]."),
+                                     "Init Error Message:[The answer holds no upload id.]."));
+    EXPECT_EQ(Send(*store, 1, "a part", "k", ""), -1) << "no such upload is known";
+    EXPECT_EQ(m_server.Requests().size(), 1u);
+}
+
 TEST_F(MultiPart, ARefusedAbortGivesItsStatusAndBothLines) {
     const auto store = MakeStore();
     m_server.Next(Answer::S3Error(404, "NoSuchUpload", "Gone"));

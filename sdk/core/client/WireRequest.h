@@ -25,11 +25,11 @@ struct WireRequest {
     using Query = std::vector<std::pair<std::string, std::string>>;
 
     std::string method;
-    /// Set for operations on a bucket or an object, and then it may not be empty.
-    std::optional<std::string> bucket;
-    /// Set for operations on an object, and then it may not be empty: the request would be one on
-    /// the bucket.
-    std::optional<std::string> key;
+    std::optional<std::string> bucket;  ///< of operations on a bucket or an object
+    std::optional<std::string> key;     ///< of operations on an object
+    /// A field that is empty and without which this would be another request, one on the bucket
+    /// instead of an object for instance: it is not sent. Null where nothing lacks.
+    const char* missingField = nullptr;
     Query query;                          ///< plain text; a sub-resource has an empty value
     Http::HeaderList headers;             ///< beyond those that every request has
     std::shared_ptr<Aws::IOStream> body;  ///< sent from its position to its end

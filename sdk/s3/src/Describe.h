@@ -8,24 +8,39 @@
 /// What most descriptions of requests begin with.
 namespace Mirqos::S3 {
 
+/// The value of a field that the request cannot do without.
+inline std::string Required(Client::WireRequest& wire, const char* field,
+                            const Aws::String& value) {
+    if (value.empty() && wire.missingField == nullptr) {
+        wire.missingField = field;
+    }
+    return ToStd(value);
+}
+
 template <typename Request>
 Client::WireRequest ForBucket(const char* method, const Request& request) {
     Client::WireRequest wire;
     wire.method = method;
-    wire.bucket = ToStd(request.GetBucket());
+    wire.bucket = Required(wire, "Bucket", request.GetBucket());
     return wire;
 }
 
 template <typename Request>
 Client::WireRequest ForObject(const char* method, const Request& request) {
     Client::WireRequest wire = ForBucket(method, request);
-    wire.key = ToStd(request.GetKey());
+    wire.key = Required(wire, "Key", request.GetKey());
     return wire;
+}
+
+template <typename Request>
+void AddUploadId(Client::WireRequest& wire, const Request& request) {
+    wire.query.emplace_back("uploadId", Required(wire, "UploadId", request.GetUploadId()));
 }
 
 /// The source of a copy, BUCKET/KEY in plain text: the header carries it percent-encoded.
 inline void AddCopySource(Client::WireRequest& wire, const Aws::String& source) {
-    wire.headers.emplace_back("x-amz-copy-source", EncodePath(ToStd(source)));
+    wire.headers.emplace_back("x-amz-copy-source",
+                              EncodePath(Required(wire, "CopySource", source)));
 }
 
 /// The answer is a document with this root.

@@ -59,11 +59,8 @@ public:
     template <typename Outcome>
     Outcome Call(const AmazonWebServiceRequest& request) const {
         const Mirqos::Client::WireRequest wire = request.Describe();
-        if (wire.bucket && wire.bucket->empty()) {
-            return Outcome(MissingField("Bucket"));
-        }
-        if (wire.key && wire.key->empty()) {
-            return Outcome(MissingField("Key"));
+        if (wire.missingField != nullptr) {
+            return Outcome(MissingField(wire.missingField));
         }
         if (!m_addressing.Problem().empty()) {
             return Outcome(S3Error(S3Errors::INVALID_PARAMETER_VALUE, "",

@@ -39,7 +39,7 @@ void CompletedMultipartUpload::Write(Mirqos::Xml::Writer& writer) const {
 
 Mirqos::Client::WireRequest CompleteMultipartUploadRequest::Describe() const {
     Mirqos::Client::WireRequest wire = Mirqos::S3::ForObject("POST", *this);
-    wire.query.emplace_back("uploadId", Mirqos::ToStd(GetUploadId()));
+    Mirqos::S3::AddUploadId(wire, *this);
     Mirqos::S3::SetXmlBody(wire, "CompleteMultipartUpload", GetMultipartUpload());
     Mirqos::S3::ExpectXml(wire, "CompleteMultipartUploadResult");
     return wire;
@@ -51,7 +51,7 @@ CompleteMultipartUploadResult::CompleteMultipartUploadResult(Mirqos::Client::Ans
 
 Mirqos::Client::WireRequest AbortMultipartUploadRequest::Describe() const {
     Mirqos::Client::WireRequest wire = Mirqos::S3::ForObject("DELETE", *this);
-    wire.query.emplace_back("uploadId", Mirqos::ToStd(GetUploadId()));
+    Mirqos::S3::AddUploadId(wire, *this);
     return wire;
 }
 

@@ -16,7 +16,7 @@ template <typename Request>
 Mirqos::Client::WireRequest ForPart(const Request& request) {
     Mirqos::Client::WireRequest wire = Mirqos::S3::ForObject("PUT", request);
     wire.query.emplace_back("partNumber", std::to_string(request.GetPartNumber()));
-    wire.query.emplace_back("uploadId", Mirqos::ToStd(request.GetUploadId()));
+    Mirqos::S3::AddUploadId(wire, request);
     return wire;
 }
 
