@@ -15,7 +15,7 @@
 /// process: unloading it only gives the host's reference back.
 extern "C" {
 
-/// Starts the S3 SDK on the first call and counts each call.
+/// Starts the S3 SDK where the count is 0 and counts each call.
 /// `context` gives the level of the SDK's log statements; null, or a level outside 0 to 6, means 3.
 /// The SDK reads the level when it starts, so a later call's level holds only for log systems
 /// created after it. Returns 0 always.

@@ -44,14 +44,15 @@ struct CloudStoreConfigInfo {
 
     // A null text leaves the store's value as it is, which is empty on a new store.
     const char* m_pszRegion = nullptr;       ///< region that requests are signed for
-    const char* m_pszBucket = nullptr;       ///< the store's bucket; operations name their own
+    const char* m_pszBucket = nullptr;       ///< the store's bucket; most operations name theirs
     const char* m_pszAccessKeyId = nullptr;  ///< public part of the credentials
     const char* m_pszSecretKey = nullptr;    ///< secret part of the credentials; never logged
     /// Service to use instead of the provider's default endpoints, as "host" or "host:port".
     /// Requests then carry the bucket in the path, otherwise in the host name.
     const char* m_pszEndPoint = nullptr;
     std::int32_t m_bUseHttps = 1;  ///< non-zero: HTTPS; zero: HTTP
-    /// Bytes of the store's work buffer, which bounds what one ReadObject can deliver.
+    /// Bytes of the store's work buffer: no ReadObject may ask for more, which is not checked.
+    /// Copies of large objects with provider type 6 need it above 0.
     std::int32_t m_nBufferSize = 0;
     /// Threads for asynchronous operations; 0 leaves them to the SDK, negative counts as 0.
     std::int32_t m_nThreadCount = 0;
@@ -88,7 +89,7 @@ struct CloudStoreReadObjectContext {
     /// read. Not initialised.
     std::uint64_t m_nReadSize;
     std::uint64_t m_nRangeStart = 0;  ///< first byte of the object to read
-    /// Last byte to read, itself included. The range is always sent: 0 to 0 is the first byte.
+    /// Last byte to read, itself included. 0 to 0 is the first byte, never the whole object.
     std::uint64_t m_nRangeEnd = 0;
 };
 
@@ -104,7 +105,9 @@ struct CloudStoreCopyObjectContext {
     /// Out: false, or true when the source was missing and m_bIgnoreMissingSource made that a
     /// success. Not initialised.
     bool m_bSourceMissing;
-    /// Bytes of the source; 0: the copy looks it up and writes it back here.
+    /// Provider type 6 only: bytes of the source, of which no more are copied when it is large. 0:
+    /// the copy looks it up in the configured bucket, whichever the source's is, and writes it back
+    /// here.
     std::uint64_t m_nSrcSize = 0;
     /// Bytes of one part of a large copy; 0: 8 MiB, written back here.
     std::uint64_t m_nPartSize = 0;
@@ -230,7 +233,9 @@ struct CloudStoreListPartContext {
 
     const char* m_pszBucket = nullptr;  ///< null: the configured one
     const char* m_pszPrefix = nullptr;  ///< only keys that begin with it; to be set, empty: all
-    char m_szKeyMarker[260] = {};       ///< the listing starts after this key
+    /// In: the listing starts after this key. Out: the marker of the next page, empty after the
+    /// last.
+    char m_szKeyMarker[260] = {};
     /// Out: the uploads found are appended. Host and library share the list's nodes, so both have
     /// to be built with the same standard library.
     std::list<MultiPartInfo> m_lstParts;
