@@ -60,6 +60,14 @@ TEST_F(MultiPart, AnAbortedUploadLeavesNoObject) {
     EXPECT_FALSE(Exists("aborted"));
 }
 
+TEST_F(MultiPart, AnAbortWithoutAnIdLeavesTheObject) {
+    const auto store = ThreadedStore();
+    const Bytes bytes = SomeBytes(1000);
+    ASSERT_EQ(Write(*store, "kept", bytes), 0);
+    EXPECT_NE(Abort(*store, "", "kept"), 0);
+    EXPECT_TRUE(ReadBack(*store, "kept", bytes.size()) == bytes);
+}
+
 TEST_F(MultiPart, TwoUploadsOfOneKeyDoNotMix) {
     const auto store = ThreadedStore();
     const Bytes one = SomeBytes(5 * kMiB + 1000, 1);
