@@ -46,13 +46,15 @@ void ClearFlag(const std::vector<LogModuleEntry*>& modules, std::uint32_t flag) 
     }
 }
 
-/// Ends the path of all modules. Those that follow it keep the file as their own.
+/// Ends the path of all modules. Those that follow it keep the file as their own, and follow no
+/// longer: a module that follows is given its default path when its library registers it again.
 void StopSharingPath(LogConfigBlock& block, bool ignored) {
     const auto shared = LOGUTILS::TextIn(block.m_szGlobalPath);
     if (!shared.empty() && !ignored) {
         for (LogModuleEntry* const module : ModulesOf(block)) {
             if ((module->m_dwFlags & kFollowsGlobalPath) != 0) {
                 PutText(module->m_szPath, shared);
+                module->m_dwFlags &= ~kFollowsGlobalPath;
             }
         }
     }
@@ -83,8 +85,7 @@ void ClearLevel(LogConfigBlock& block, const Command& command,
 void SetPath(LogConfigBlock& block, const Command& command,
              const std::vector<LogModuleEntry*>& modules, bool ignored) {
     if (command.module) {
-        // not followed any more: a module that follows is given its default path when its library
-        // registers it again
+        // for the same reason as where a path ends that was shared
         ClearFlag(modules, kFollowsGlobalPath);
         PutText(modules.front()->m_szPath, command.path);
         StopSharingPath(block, ignored);

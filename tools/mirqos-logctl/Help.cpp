@@ -32,8 +32,8 @@ One and all:
 
   While there is a path of all modules, a module that leaves it would take the
   others along. So set-path on one module and unfollow of a path give the path of
-  all modules to each module that still follows it, as its own, and take it away:
-  the others stay where they are.
+  all modules to each module that still follows it, as its own, end its following
+  and take that path away: the others stay where they are.
 
   clear-level and clear-path on one module make it follow again. Without a level
   of all modules, a level that was in effect stays until another one is set or the

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/InventedProcess.h"
 #include "tests/support/win32/LogConfigTestAccess.h"
 #include "tests/support/win32/RawBlock.h"
+#include "tools/mirqos-logctl/Command.h"
+#include "tools/mirqos-logctl/Edit.h"
 #include "tools/mirqos-logctl/Failure.h"
 #include "tools/mirqos-logctl/ProcessBlock.h"
 #include "tools/mirqos-logctl/Processes.h"
@@ -137,6 +140,42 @@ TEST_F(LogControlBlock, IsRefusedWhereItIsTooSmall) {
     m_config.reset();
     const RawBlock block(m_process.BlockName(), 4096);
     EXPECT_EQ(Edit(), ExitCode::SystemRefused);
+}
+
+// A module's library registers it again with each output that it makes.
+TEST_F(LogControlBlock, LeavesModulesWhereTheyAreWhenTheyRegisterAfterOneLeftThePathOfAll) {
+    const auto registerAll = [&] {
+        for (const wchar_t* const name : {L"a.dll", L"b.dll", L"c.dll"}) {
+            m_config->RegisterModule(name);
+        }
+    };
+    const auto edit = [&](const std::vector<std::string>& line) {
+        ProcessBlock(m_process.Id()).Hold([&](LogConfigBlock& block) {
+            Mirqos::LogControl::Edit(block, ReadCommand(line), false);
+        });
+    };
+    const auto pathOf = [&](const wchar_t* name) {
+        wchar_t path[LOGUTILS::kPathRoom] = {};
+        m_config->GetLogPath(name, path, false);
+        return std::wstring(path);
+    };
+    registerAll();
+    const std::wstring ownOfC = pathOf(L"c.dll");
+    edit({"set-path", "1", "--all", "C:\\all.Log"});
+    edit({"set-path", "1", "a.dll", "C:\\own.Log"});
+    registerAll();
+    EXPECT_EQ(pathOf(L"a.dll"), L"C:\\own.Log");
+    EXPECT_EQ(pathOf(L"b.dll"), L"C:\\all.Log");
+    EXPECT_EQ(pathOf(L"c.dll"), L"C:\\all.Log");
+    edit({"set-path", "1", "--all", "C:\\new.Log"});
+    edit({"unfollow", "1", "a.dll", "path"});
+    registerAll();
+    EXPECT_EQ(pathOf(L"a.dll"), L"C:\\own.Log");
+    EXPECT_EQ(pathOf(L"b.dll"), L"C:\\new.Log");
+    edit({"clear-path", "1", "c.dll"});
+    registerAll();
+    EXPECT_EQ(pathOf(L"b.dll"), L"C:\\new.Log");
+    EXPECT_EQ(pathOf(L"c.dll"), ownOfC);
 }
 
 TEST(LogControlProcessesTest, HoldThisOneAndOnlyThoseThatRun) {

@@ -99,6 +99,7 @@ TEST_F(LogControlEdit, LeavesTheOtherModulesWhereTheyAreWhenOneLeavesThePathOfAl
     EXPECT_EQ(FileOf(L"b.dll"), L"C:\\all.Log");
     EXPECT_EQ(FileOf(L"c.dll"), L"C:\\all.Log");
     EXPECT_EQ(GlobalPath(), L"");
+    EXPECT_EQ(Module(L"b.dll").m_dwFlags, 0xFFFEu);
 }
 
 TEST_F(LogControlEdit, GivesAModuleThatStopsFollowingItsOwnPathBack) {
@@ -155,6 +156,7 @@ TEST_F(LogControlEdit, KnowsThatAProcessIgnoresThePathOfAll) {
     // each module writes to its own file there, and goes on doing so
     LOGUTILS::PutText(m_block->m_szGlobalPath, L"C:\\all.Log");
     Do("set-path", "a.dll", "C:\\own.Log", true);
+    EXPECT_EQ(Module(L"b.dll").m_dwFlags, 0xFFFFu);
     Do("clear-path", "--all", "", true);
     EXPECT_EQ(FileOf(L"a.dll"), L"C:\\own.Log");
     EXPECT_EQ(FileOf(L"b.dll"), L"C:\\b.dll");
