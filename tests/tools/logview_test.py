@@ -244,6 +244,18 @@ class LogView(unittest.TestCase):
         viewer.say("nonsense")
         self.assertIn("no command nonsense", viewer.next())
 
+    def test_refuses_what_does_not_fit_a_breakpoint_or_a_line(self):
+        viewer = self.view()
+        viewer.say("break " + 1024 * "x")
+        self.assertEqual(viewer.next(), "the text of a breakpoint has at most 1023 characters")
+        for blanks in (4090, 9000):
+            viewer.say(blanks * " " + "break text")
+            self.assertEqual(viewer.next(), "a line has at most 4096 bytes")
+        viewer.say("list")
+        self.assertEqual(viewer.next(), "no breakpoints")
+        viewer.say("break " + 1023 * "x")
+        self.assertEqual(viewer.next(), "breakpoint 1 set in " + EXECUTABLE)
+
     def test_its_end_frees_whom_it_holds(self):
         host = self.host()
         viewer = self.view("--break", "thread count")

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 
 namespace Mirqos::LogView {
 
@@ -23,6 +24,14 @@ void CountAgain(LogBreakpointTable& table) {
 }
 
 }  // namespace
+
+std::optional<std::string> WhyNotAPattern(LOGUTILS::WideView text) {
+    constexpr std::size_t kLongest = std::extent_v<decltype(LogBreakpoint::m_szPattern)> - 1;
+    if (text.size() > kLongest) {
+        return "the text of a breakpoint has at most " + std::to_string(kLongest) + " characters";
+    }
+    return std::nullopt;
+}
 
 std::size_t AddBreakpoint(LogBreakpointTable& table, const BreakpointWish& wish,
                           const LogGuid& id) {

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "log/dbg/LogBreakpoints.h"
@@ -16,6 +18,9 @@ struct BreakpointWish {
     std::uint32_t processId = 0;  ///< 0 for any
     std::uint32_t threadId = 0;   ///< 0 for any
 };
+
+/// What keeps the text from being a breakpoint's pattern, for the user; nothing when it fits.
+std::optional<std::string> WhyNotAPattern(LOGUTILS::WideView text);
 
 /// Takes a free record for it; 0 when there is none, else its number, from 1.
 std::size_t AddBreakpoint(LOGUTILS::LogBreakpointTable& table, const BreakpointWish& wish,

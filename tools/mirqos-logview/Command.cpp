@@ -4,6 +4,7 @@
 #include <limits>
 #include <string_view>
 
+#include "tools/mirqos-logview/BreakpointEdit.h"
 #include "tools/mirqos-logview/Failure.h"
 #include "tools/mirqos/Arguments.h"
 #include "tools/mirqos/Failure.h"
@@ -19,7 +20,6 @@ namespace {
 
 constexpr std::size_t kMostExecutables = 50;     // one wait covers 64 objects
 constexpr std::size_t kLongestExecutable = 190;  // names of objects have 259 characters at most
-constexpr std::size_t kLongestPattern = 1023;
 
 [[noreturn]] void Refuse(const std::string& message) {
     throw Failure(ExitCode::Usage, message);
@@ -101,9 +101,8 @@ void ReadBreakpoint(Command& command, const Arguments& arguments) {
             }
         }
     }
-    if (Tool::ToWide(command.breakText).size() > kLongestPattern) {
-        Refuse("the text of a breakpoint has at most " + std::to_string(kLongestPattern) +
-               " characters");
+    if (const auto reason = WhyNotAPattern(Tool::ToWide(command.breakText))) {
+        Refuse(*reason);
     }
 }
 

@@ -3,7 +3,9 @@
 #include <limits>
 #include <optional>
 
+#include "tools/mirqos-logview/BreakpointEdit.h"
 #include "tools/mirqos/Text.h"
+#include "tools/mirqos/win32/Wide.h"
 
 namespace Mirqos::LogView {
 
@@ -76,7 +78,13 @@ InputCommand ReadBreak(Words& words) {
         (process ? command.processId : command.threadId) = *number;
     }
     command.text = words.Rest();
-    return command.text.empty() ? Wrong("break needs a text") : command;
+    if (command.text.empty()) {
+        return Wrong("break needs a text");
+    }
+    if (const auto reason = WhyNotAPattern(Tool::ToWide(command.text))) {
+        return Wrong(*reason);
+    }
+    return command;
 }
 
 InputCommand ReadNumbered(Action action, Words& words, std::string_view name) {
@@ -110,6 +118,9 @@ const char* const kInputHelp =
     "quit                                    let all go on and end\n";
 
 InputCommand ReadInputCommand(std::string_view line) {
+    if (line.size() > kLongestInputLine) {
+        return Wrong("a line has at most " + std::to_string(kLongestInputLine) + " bytes");
+    }
     Words words(line);
     const std::string_view name = words.Next();
     if (name.empty()) {

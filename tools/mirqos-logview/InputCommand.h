@@ -29,7 +29,10 @@ struct InputCommand {
     std::string text;             ///< of Break: what the line contains; of Wrong: what is wrong
 };
 
-/// Reads a line in UTF-8, without its end.
+/// Room for any breakpoint.
+inline constexpr std::size_t kLongestInputLine = 4096;  // bytes
+
+/// Reads a line in UTF-8, without its end. One that is longer than that is Wrong.
 InputCommand ReadInputCommand(std::string_view line);
 
 extern const char* const kInputHelp;

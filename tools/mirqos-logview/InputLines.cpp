@@ -6,6 +6,7 @@
 
 #include "log/dbg/win32/Owned.h"
 #include "tools/mirqos-logview/Failure.h"
+#include "tools/mirqos-logview/InputCommand.h"
 #include "tools/mirqos/Console.h"
 
 namespace Mirqos::LogView {
@@ -24,14 +25,13 @@ struct InputLines::State {
     }
 
     void ReadAll() {
-        constexpr std::size_t kLongest = 4096;
         std::string line;
         char c = '\0';
         while (Tool::ReadInput(&c, 1).value_or(0) == 1) {
             if (c == '\n') {
                 Add(std::exchange(line, {}));
-            } else if (line.size() < kLongest) {
-                line += c;
+            } else if (line.size() <= kLongestInputLine) {
+                line += c;  // one more than fits, which tells
             }
         }
         if (!line.empty()) {

@@ -18,7 +18,8 @@ public:
 
     /// Signalled when a line was read.
     HANDLE Event() const;
-    /// The next line that was read, without its end; nothing when there is none yet.
+    /// The next line that was read, without its end; nothing when there is none yet. Of one that is
+    /// longer than kLongestInputLine there is one byte more than that.
     std::optional<std::string> Next() const;
 
 private:

@@ -36,6 +36,25 @@ TEST(LogViewInput, ABreakpointIsNarrowedBeforeItsText) {
     EXPECT_EQ(ReadInputCommand("break thread=5 process=6 t").processId, 6u);
 }
 
+TEST(LogViewInput, ABreakpointsTextHasAsManyCharactersAsItsRecord) {
+    std::string longest;
+    while (longest.size() < 3 * 1023) {
+        longest += "\xE6\x97\xA5";  // one character
+    }
+    const std::string most = "break process=4294967295 thread=4294967295 ";
+    EXPECT_EQ(ReadInputCommand(most + longest + '\r').text, longest);
+    const InputCommand command = ReadInputCommand("break x" + longest);
+    EXPECT_EQ(command.action, Action::Wrong);
+    EXPECT_EQ(command.text, "the text of a breakpoint has at most 1023 characters");
+}
+
+TEST(LogViewInput, ALineThatIsTooLongIsRefusedWhateverItSays) {
+    EXPECT_EQ(ReadInputCommand(std::string(4092, ' ') + "list").action, Action::List);
+    const InputCommand command = ReadInputCommand(std::string(4093, ' ') + "list");
+    EXPECT_EQ(command.action, Action::Wrong);
+    EXPECT_EQ(command.text, "a line has at most 4096 bytes");
+}
+
 TEST(LogViewInput, NumbersAreRead) {
     const InputCommand remove = ReadInputCommand("remove 100");
     EXPECT_EQ(remove.action, Action::Remove);
