@@ -29,7 +29,10 @@ Breakpoints:
   --break-thread TID   only this thread
 
 A thread stops within its log call, after the line was shown, until it is released.
-Its process goes on otherwise. Commands on the input stream, one on each line:
+Its process goes on otherwise, but for asynchronous calls of a store: some of their
+lines are logged while the store is locked, and then its other such calls wait, too.
+
+Commands on the input stream, one on each line:
   break [process=PID] [thread=TID] TEXT
   list, remove N       breakpoints
   held                 threads that are held, and on which line
