@@ -8,7 +8,8 @@
 namespace LOGUTILS {
 
 /// The text as the bytes of a log file: UTF-16LE or in the ANSI code page. A text that has to be
-/// converted and is longer than 1023 characters, or cannot be converted, becomes an empty one.
+/// converted and cannot be, or is then longer than 1023 characters of UTF-16 or 1023 bytes of ANSI,
+/// becomes an empty one.
 std::string EncodedText(const char* pszText, bool bUnicode);
 std::string EncodedText(const wchar_t* pszText, bool bUnicode);
 
