@@ -44,6 +44,9 @@ endforeach()
 add_library(unit.machine_facts_version OBJECT ${CMAKE_CURRENT_LIST_DIR}/machine_facts.rc)
 target_sources(unit.machine_facts PRIVATE $<TARGET_OBJECTS:unit.machine_facts_version>)
 
+# The logging library alone: the module log would have made the instance.
+mirqos_test(unit.log_config_instance win32/log_config_instance.cpp LIBS mirqos_dbg LABELS unit)
+
 # The logging library alone: the module log would read the registry before the test has laid it out.
 set(support ${CMAKE_SOURCE_DIR}/tests/support/win32)
 mirqos_test(unit.file_output_installed win32/file_output_installed.cpp ${support}/FileOutputTest.cpp
