@@ -118,12 +118,15 @@ TEST(LogMessage, OperationsStandInTheirOrder) {
     CLogMessage& message = *pMessage;
     EXPECT_EQ(CallSlot<std::int32_t>(message, 2), 2);
     EXPECT_EQ(CallSlot<std::int32_t>(message, 3), 1);
+    EXPECT_EQ(CallSlot<std::wstring>(message, 4),
+              L"[2024/02/29 23:58:59:007   02   04711   00815   0X80070005] ");
     EXPECT_STREQ(CallSlot<const wchar_t*>(message, 5), L"Engine.exe");
     EXPECT_STREQ(CallSlot<const wchar_t*>(message, 6), L"MIRQOS.dll");
     EXPECT_EQ(CallSlot<std::uint32_t>(message, 7), 4711u);
     EXPECT_EQ(CallSlot<std::uint32_t>(message, 8), 815u);
     EXPECT_EQ(CallSlot<std::uint32_t>(message, 9), 0x80070005u);
     EXPECT_EQ(CallSlot<std::uint32_t>(message, 10), 2u);
+    EXPECT_EQ(CallSlot<SYSTEMTIME>(message, 11).wMilliseconds, 7);
     EXPECT_STREQ(CallSlot<const wchar_t*>(message, 12), L"a \u4E2D line");
     EXPECT_EQ(CallSlot<std::int32_t>(message, 3), 0);
     EXPECT_EQ(nEnds, 1);
