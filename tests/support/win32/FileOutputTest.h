@@ -20,6 +20,9 @@ struct FileOutputTestAccess {
     static void PutPath(CFileOutput& output, const std::wstring& path) {
         LOGUTILS::PutText(output.m_szFilePath, path);
     }
+    static void PutModuleVersion(CFileOutput& output, std::uint32_t dwVersion) {
+        output.m_dwModuleVersion = dwVersion;
+    }
     static std::wstring Path(const CFileOutput& output) { return output.m_szFilePath; }
     static std::wstring ConfigName(const CFileOutput& output) { return output.m_szConfigName; }
     static std::wstring LibraryName(const CFileOutput& output) { return output.m_szLibraryName; }

@@ -94,5 +94,19 @@ TEST_F(VersionInLines, TheHeaderHasTheUpdateAndTheTagTheBuildAndTheRevision) {
                                          L"::" + LibraryName() + L"(21.1282)}");
 }
 
+TEST_F(VersionInLines, TheVersionIsReadOnlyWhileItIsZero) {
+    NSDBG::CFileOutput output;
+    NSDBG::FileOutputTestAccess::PutModuleVersion(output, 1);
+    output.Write(1, 0, "known");
+    NSDBG::FileOutputTestAccess::PutModuleVersion(output, 0);
+    output.Write(1, 0, "read");
+    const std::vector<std::wstring> lines = MessagesOf(m_path);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[0].find(L"known   {" + ExecutableName() + L"::" + LibraryName() + L"(0.1)}"),
+              std::wstring::npos);
+    EXPECT_NE(lines[1].find(L"read   {" + ExecutableName() + L"::" + LibraryName() + L"(21.1282)}"),
+              std::wstring::npos);
+}
+
 }  // namespace
 }  // namespace Mirqos::Test
