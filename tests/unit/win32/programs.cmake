@@ -9,6 +9,12 @@ target_compile_definitions(unit.version_resource PRIVATE MIRQOS_LIBRARY="$<TARGE
 target_link_libraries(unit.version_resource PRIVATE version)
 add_dependencies(unit.version_resource MIRQOS mirqos_program mirqos_logctl mirqos_logview)
 
+# Windows itself needs no such test, and would have the user asked about the fault.
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  mirqos_test(unit.crash win32/crash.cpp LIBS gtest LABELS unit)
+  set_tests_properties(unit.crash PROPERTIES WILL_FAIL TRUE)
+endif()
+
 # They announce a viewer, and then every process of the machine logs to channels: one at a time.
 set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
              RESOURCE_LOCK log_viewer)
