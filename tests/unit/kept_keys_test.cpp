@@ -16,6 +16,9 @@ bool IsKeptInPath(std::string_view key) {
 bool IsKeptAsCopySource(std::string_view source) {
     return Mirqos::IsKeptAsCopySource<OptionsOfAnSdkThatChangesKeys>(source);
 }
+bool IsKeptAsBucket(std::string_view name) {
+    return Mirqos::IsKeptAsBucket<OptionsOfAnSdkThatChangesKeys>(name);
+}
 bool IsKeptInDocument(std::string_view key) {
     return Mirqos::IsKeptInDocument<OptionsOfAnSdkThatChangesKeys>(key);
 }
@@ -51,6 +54,15 @@ TEST(KeptKeys, CopySourcesLoseEmptyPartsButNoDots) {
     }
 }
 
+TEST(KeptKeys, BucketsEndAtASlashAndDotsAreFollowed) {
+    for (const char* name : {"a/b", "/", "a/", "/a", ".", ".."}) {
+        EXPECT_FALSE(IsKeptAsBucket(name)) << name;
+    }
+    for (const char* name : {"a", "a.b", "..a", "a b", "a?b", "..."}) {
+        EXPECT_TRUE(IsKeptAsBucket(name)) << name;
+    }
+}
+
 TEST(KeptKeys, DocumentsLoseCarriageReturnsAndNothingElse) {
     for (const char* key : {"\r", "\r\n", "a\rb", "a\r"}) {
         EXPECT_FALSE(IsKeptInDocument(key)) << key;
@@ -65,6 +77,7 @@ TEST(KeptKeys, AnSdkThatSendsWhatItIsGivenKeepsAll) {
         EXPECT_TRUE(Mirqos::IsKeptInPath<OptionsOfAnSdkThatDoesNot>(key)) << key;
         EXPECT_TRUE(Mirqos::IsKeptAsCopySource<OptionsOfAnSdkThatDoesNot>(key)) << key;
         EXPECT_TRUE(Mirqos::IsKeptInDocument<OptionsOfAnSdkThatDoesNot>(key)) << key;
+        EXPECT_TRUE(Mirqos::IsKeptAsBucket<OptionsOfAnSdkThatDoesNot>(key)) << key;
     }
 }
 
