@@ -15,6 +15,13 @@ if(CMAKE_CROSSCOMPILING_EMULATOR)
   set_tests_properties(unit.crash PROPERTIES WILL_FAIL TRUE)
 endif()
 
+# With another ANSI code page. Windows itself does not take it from the environment, Wine does.
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  mirqos_test(unit.file_output_double_byte win32/file_output_double_byte.cpp
+              LIBS mirqos_parts mirqos_test_support LABELS unit)
+  set_property(TEST unit.file_output_double_byte APPEND PROPERTY ENVIRONMENT LC_ALL=ja_JP.UTF-8)
+endif()
+
 # They announce a viewer, and then every process of the machine logs to channels: one at a time.
 set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
              RESOURCE_LOCK log_viewer)
