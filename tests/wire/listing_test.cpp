@@ -385,7 +385,9 @@ TEST_F(ListingWire, TheMarkedProviderIsAskedForUrlEncodedKeysAndTheyStayEncoded)
     Listing unchecked(*store);
     unchecked.m_bCheckProviderMarker = false;
     unchecked.m_pszBucket = kBucket;
+    m_log.Clear();
     EXPECT_EQ(store->ListObjects(&unchecked), 0);
+    EXPECT_EQ(m_log.CountContaining("EndPoint["), 0u);
     EXPECT_EQ(store->ListObjectsSegmented(&unchecked), 0) << "which asks all the same";
     const char* const encoded = kBundledSdk
                                     ? "/the-configured-bucket?list-type=2&encoding-type=url"
@@ -455,6 +457,31 @@ TEST_F(ListingWire, SegmentsWalkTheConfiguredBucketWhateverTheFieldSays) {
     EXPECT_THAT(Lines(), ElementsAre(Complete(kSegment, 0, kOwnBucket, 600, true, "p"),
                                      Complete(kSegment, 0, kOwnBucket, 2, false, "p")));
     EXPECT_EQ(store->GetRequestCount(), 2u);
+}
+
+TEST_F(ListingWire, WhatAnEarlierListingLeftIsClearedThoughNothingTakesItsPlace) {
+    const auto store = MakeStore();
+    const int refused = StatusOf(Aws::S3::S3Errors::NO_SUCH_BUCKET);
+    for (const bool segmented : {false, true}) {
+        for (const int status : {refused, 0}) {
+            m_server.Next(status == 0 ? ListingPage({})
+                                      : Answer::S3Error(404, "NoSuchBucket", "Gone"));
+            CloudStoreObjInfo leftOver;
+            CloudStoreListObjectConext listing;
+            listing.m_pszBucket = kOwnBucket;
+            listing.m_pObjects = &leftOver;
+            listing.m_nObjectCount = 7;
+            listing.m_bTruncated = true;
+            EXPECT_EQ(
+                segmented ? store->ListObjectsSegmented(&listing) : store->ListObjects(&listing),
+                status);
+            EXPECT_EQ(listing.m_pObjects, nullptr);
+            EXPECT_EQ(listing.m_nObjectCount, 0u);
+            EXPECT_FALSE(listing.m_bTruncated);
+            EXPECT_EQ(Lines().back(),
+                      Complete(segmented ? kSegment : kWhole, status, kOwnBucket, 0, false));
+        }
+    }
 }
 
 TEST_F(ListingWire, ASegmentWithoutABucketNamesNoneAndSendsNothing) {
