@@ -149,6 +149,16 @@ TEST_F(BucketLocation, ATextThatNobodyListsKeepsItsText) {
     EXPECT_THAT(requests[2].body, HasSubstr("<LocationConstraint>EU</LocationConstraint>"));
 }
 
+TEST_F(BucketLocation, AnEmptyTextIsSentEmpty) {
+    m_server.Next(Answer::Status(200));
+    const auto store = MakeStore();
+    EXPECT_EQ(Create(*store, kBucket, ""), 0);
+    EXPECT_EQ(XmlOf(OnlyRequest()),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+              "<CreateBucketConfiguration xmlns=\"http://s3.amazonaws.com/doc/2006-03-01/\">"
+              "<LocationConstraint></LocationConstraint></CreateBucketConfiguration>");
+}
+
 class BucketAnswer : public WireTest {
 protected:
     static std::string LineOfFailure(int httpStatus) {
@@ -156,6 +166,14 @@ protected:
                ", bucket: the-bucket ";
     }
 };
+
+TEST_F(BucketAnswer, AFailedHeadNamesItsErrorWhereItHasAName) {
+    const auto store = MakeStore();
+    EXPECT_FALSE(Head(*store, ""));
+    EXPECT_TRUE(m_server.Requests().empty());
+    EXPECT_THAT(Lines(), ElementsAre("AwsS3Store::HeadBucket, Error: MISSING_PARAMETER, Err Msg: "
+                                     "Missing required field [Bucket], bucket:  "));
+}
 
 TEST_F(BucketAnswer, ACreationRefusedGivesItsStatusAndLine) {
     m_server.Next(Answer::S3Error(409, "BucketAlreadyExists", "It is taken."));
@@ -176,6 +194,18 @@ TEST_F(BucketAnswer, TooManyBucketsHasAStatusOfItsOwn) {
                 ElementsAre("Create bucket:[the-bucket] failed! [Unable to parse ExceptionName: "
                             "TooManyBuckets Message: You have attempted to create more], EC:[" +
                             std::to_string(StatusOf(Aws::S3::S3Errors::UNKNOWN)) + "]"));
+}
+
+TEST_F(BucketAnswer, TooManyBucketsIsFoundInTheMessageOfAnyError) {
+    m_server.Next(Answer::S3Error(403, "AccessDenied", "Your plan: TooManyBuckets, delete some"));
+    m_server.Next(Answer::S3Error(403, "AccessDenied", "Your plan: too many buckets"));
+    const auto store = MakeStore();
+    EXPECT_EQ(Create(*store, kBucket, nullptr), 110);
+    EXPECT_EQ(Create(*store, kBucket, nullptr), 15);
+    EXPECT_THAT(Lines(), ElementsAre("Create bucket:[the-bucket] failed! [Your plan: "
+                                     "TooManyBuckets, delete some], EC:[15]",
+                                     "Create bucket:[the-bucket] failed! [Your plan: too many "
+                                     "buckets], EC:[15]"));
 }
 
 TEST_F(BucketAnswer, ACreationAnsweredWithAPageForPeopleIsAFailure) {
