@@ -10,14 +10,14 @@
 #include "exec/ExecutorSeam.h"
 #include "store/AwsS3Store.h"
 #include "tests/support/FailingAllocation.h"
-#include "tests/support/RecordingOutput.h"
+#include "tests/support/LibraryLogRecording.h"
 #include "tests/support/RecordingTransport.h"
 #include "tests/support/StoreTestAccess.h"
 #include "tests/support/UsedSdk.h"
 
 namespace {
 
-using Mirqos::Test::LogRecording;
+using Mirqos::Test::LibraryLogRecording;
 using Mirqos::Test::RecordingTransport;
 using Mirqos::Test::TransportRecording;
 using testing::HasSubstr;
@@ -44,7 +44,7 @@ protected:
                                : "bucket-of-tests.s3.amazonaws.com";
 
     const MIRQOSEngineStarter m_engine{true, CloudStoreContext()};
-    LogRecording m_log;  // without the start's own line
+    LibraryLogRecording m_log;  // without the start's own line
     TransportRecording m_transports;
 };
 
