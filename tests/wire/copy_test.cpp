@@ -15,6 +15,7 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
 using Call = FaultyFiles::Call;
 
 constexpr std::uint64_t kMiB = 1024 * 1024;
@@ -256,6 +257,30 @@ TEST_F(CopyThroughFile, EveryByteArrivesInPartsAndNothingIsLeft) {
     EXPECT_EQ(lines.back(), "Copy from " + Ends("s", "t") + " success EC:[0].");
 }
 
+TEST_F(CopyThroughFile, TheFileIsNamedAfterItsPurpose) {
+    ServeSource();
+    ServeTarget();
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_THAT(File().substr(File().find_last_of("/\\") + 1), StartsWith("QVN"));
+}
+
+TEST_F(CopyThroughFile, RangesHaveAtMost4MiBHoweverLargeTheWorkBuffer) {
+    ServeSource("s", std::string(9 * kMiB, 'x'));
+    ServeTarget();
+    m_store = StoreOfProvider(6, 16 * kMiB);
+    m_copy.m_nSrcSize = 9 * kMiB;
+    m_copy.m_nPartSize = 8 * kMiB;
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    std::vector<std::string> ranges;
+    for (const RecordedRequest& request : m_server.Requests()) {
+        if (request.method == "GET") {
+            ranges.push_back(request.Value("range"));
+        }
+    }
+    EXPECT_THAT(ranges,
+                ElementsAre("bytes=0-4194303", "bytes=4194304-8388607", "bytes=8388608-9437183"));
+}
+
 TEST_F(CopyThroughFile, ASizeThatWasLookedUpIsWrittenBackAndNeedsNoHead) {
     ServeSource();
     ServeTarget();
@@ -332,6 +357,47 @@ TEST_F(CopyThroughFile, EveryFailureOfTheDownloadsFileIsTheResultAndLeavesNothin
         EXPECT_EQ(m_log.CountContaining(c.line), 1u) << c.line;
         EXPECT_EQ(Count("POST", "uploads"), 0u) << "no upload was opened";
     }
+}
+
+// The status of a failed call is whatever the system gives as its error.
+TEST_F(CopyThroughFile, AWriteThatFailsWithoutAnErrorEndsTheDownloadAsASuccess) {
+    ServeSource();
+    ServeTarget();
+    m_files.Fail(Call::write, 0, 2);
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+    EXPECT_EQ(Count("GET", "/source-bucket/s"), 2u) << "nothing is fetched after it";
+    EXPECT_EQ(m_log.CountContaining(File() + " failed. ToWriteBytes=65536, EC:0."), 1u);
+    EXPECT_EQ(SentTo("t").size(), kSize) << "the file has had its whole size from the start";
+    EXPECT_EQ(SentTo("t").compare(0, 65536, m_bytes, 0, 65536), 0);
+    EXPECT_EQ(Count("POST", "uploadId=u"), 1u);
+    EXPECT_FALSE(m_files.LeftBehind());
+    EXPECT_EQ(m_files.OpenFiles(), 0);
+    EXPECT_EQ(Lines().back(), "Copy from " + Ends("s", "t") + " success EC:[0].");
+}
+
+TEST_F(CopyThroughFile, AReadThatFailsWithoutAnErrorEndsTheUploadAsASuccessThatCompletesNothing) {
+    ServeSource();
+    ServeTarget();
+    std::size_t parts = 0;
+    for (const int turn : {1, 2}) {
+        m_log.Clear();
+        m_files.Fail(Call::read, 0, turn);
+        EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+        parts += static_cast<std::size_t>(turn) - 1;
+        EXPECT_EQ(Count("PUT", "partNumber="), parts) << "nothing is sent after it";
+        EXPECT_EQ(m_log.CountContaining("[SYNC]:[AwsS3Store::UploadFileForCopyObject]:failed to "
+                                        "read file:[" +
+                                        File() + "].EC:[0]."),
+                  1u);
+        EXPECT_EQ(m_log.CountContaining("[AwsS3Store::UploadFileForCopyObject] Uploaded object t "
+                                        "to bucket [target-bucket] from file ["),
+                  1u);
+        EXPECT_FALSE(m_files.LeftBehind());
+        EXPECT_EQ(m_files.OpenFiles(), 0);
+        EXPECT_EQ(Lines().back(), "Copy from " + Ends("s", "t") + " success EC:[0].");
+    }
+    EXPECT_EQ(Count("POST", "uploadId=u"), 0u);
+    EXPECT_EQ(Count("DELETE", ""), 0u);
 }
 
 TEST_F(CopyThroughFile, AShortWriteGives29) {
