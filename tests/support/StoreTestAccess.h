@@ -25,6 +25,14 @@ struct StoreTestAccess {
     /// What the store takes for the size of its work buffer.
     static std::int32_t BufferSize(const AwsS3Store& store) { return store.m_nBufferSize; }
 
+    /// How many uploads the store was asked to open, and to finish in either way.
+    static std::uint64_t InitMultiPartCount(const AwsS3Store& store) {
+        return store.m_nInitMultiPartCount;
+    }
+    static std::uint64_t FinishMultiPartCount(const AwsS3Store& store) {
+        return store.m_nFinishMultiPartCount;
+    }
+
     /// What the store keeps of an open upload; null for one that is not open.
     static std::shared_ptr<MultiPartUploadState> Upload(AwsS3Store& store, const char* uploadId) {
         return store.FindUpload(uploadId);

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <regex>
+#include <utility>
 
+#include "tests/support/StoreTestAccess.h"
 #include "tests/support/UsedSdk.h"
 #include "tests/wire/WireTest.h"
 
@@ -10,6 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Pair;
 
 class MultiPart : public WireTest {
 protected:
@@ -27,6 +30,10 @@ protected:
     }
     static Answer Taken(const std::string& eTag) {
         return Answer::Status(200).Header("ETag", eTag);
+    }
+    static Answer CopyTaken(const std::string& eTag) {
+        return Answer::Status(200).Body("<CopyPartResult><ETag>" + eTag +
+                                        "</ETag></CopyPartResult>");
     }
 
     static std::int32_t Init(MIRQOSInterface& store, CloudStoreInitMultiPartUploadOutcome& outcome,
@@ -68,13 +75,19 @@ protected:
         copy.m_nPartNumber = number;
         return store.MultiPartCopy(&copy);
     }
-    static std::int32_t Finish(MIRQOSInterface& store, std::int32_t parts,
-                               const char* upload = kUpload, const char* key = "k") {
+    static CloudStoreFinishMultiPartUploadContext Finished(std::int32_t parts,
+                                                           const char* upload = kUpload,
+                                                           const char* key = "k") {
         CloudStoreFinishMultiPartUploadContext finish;
         finish.m_pszBucket = kBucket;
         finish.m_pszKey = key;
         finish.m_pszUploadId = upload;
         finish.m_nPartCount = parts;
+        return finish;
+    }
+    static std::int32_t Finish(MIRQOSInterface& store, std::int32_t parts,
+                               const char* upload = kUpload, const char* key = "k") {
+        auto finish = Finished(parts, upload, key);
         return store.FinishMultiPartUpload(&finish);
     }
     static std::int32_t Abort(MIRQOSInterface& store, const char* upload = kUpload) {
@@ -114,6 +127,7 @@ TEST_F(MultiPart, OpeningSendsExactlyThisRequest) {
     EXPECT_EQ(request.target, "/the-bucket/a%20folder/k?uploads");
     EXPECT_EQ(request.body, "");
     EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
+    EXPECT_EQ(UnknownHeaders(request), "");
     EXPECT_THAT(Lines(), IsEmpty());
     EXPECT_EQ(store->GetRequestCount(), 1u);
 }
@@ -182,6 +196,7 @@ TEST_F(MultiPart, PartsSentOutOfOrderAreCompletedInOrderWithTheirOwnTags) {
     EXPECT_EQ(Last().target, std::string("/the-bucket/k?") + kUploadInQuery);
     EXPECT_EQ(XmlOf(Last()), PartList({"\"e1\"", "\"e2\"", "\"e3\""}));
     EXPECT_EQ(SignatureProblem(Last(), kKeyId, kSecret, kRegion), "");
+    EXPECT_EQ(UnknownHeaders(Last()), "");
     EXPECT_THAT(Lines(), IsEmpty());
     EXPECT_EQ(store->GetRequestCount(), 5u);
 }
@@ -196,6 +211,68 @@ TEST_F(MultiPart, APartSentTwiceKeepsTheTagOfTheFirst) {
     m_server.Next(Completed());
     EXPECT_EQ(Finish(*store, 1), 0);
     EXPECT_EQ(XmlOf(Last()), PartList({"first"}));
+}
+
+TEST_F(MultiPart, APartCopiedTwiceKeepsTheTagOfTheFirst) {
+    const auto store = MakeStore();
+    Open(*store);
+    for (const char* eTag : {"first", "second"}) {
+        m_server.Next(CopyTaken(eTag));
+        EXPECT_EQ(CopyPart(*store, 1, 0, 9), 0);
+    }
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 1), 0);
+    EXPECT_EQ(XmlOf(Last()), PartList({"first"}));
+}
+
+TEST_F(MultiPart, AnUploadOpenedAgainUnderItsIdHasNoParts) {
+    const auto store = MakeStore();
+    Open(*store);
+    for (const std::uint64_t number : {1u, 2u}) {
+        m_server.Next(Taken("e" + std::to_string(number)));
+        EXPECT_EQ(Send(*store, number, "x"), 0);
+    }
+    Open(*store);
+    m_server.Next(Taken("again"));
+    EXPECT_EQ(Send(*store, 2, "x"), 0);
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 2), 0);
+    EXPECT_EQ(XmlOf(Last()), PartList({"", "again"}));
+    EXPECT_EQ(Finish(*store, 2), -1) << "it was one upload";
+}
+
+TEST_F(MultiPart, OpeningsAndFinishesAreCountedWhateverBecomesOfThem) {
+    const auto store = MakeStore();
+    const auto counts = [&] {
+        return std::make_pair(StoreTestAccess::InitMultiPartCount(*store),
+                              StoreTestAccess::FinishMultiPartCount(*store));
+    };
+    EXPECT_THAT(counts(), Pair(0u, 0u));
+    m_server.Next(Answer::S3Error(403, "AccessDenied", "No"));
+    CloudStoreInitMultiPartUploadOutcome outcome;
+    EXPECT_NE(Init(*store, outcome), 0);
+    EXPECT_THAT(counts(), Pair(1u, 0u));
+    Open(*store);
+    EXPECT_THAT(counts(), Pair(2u, 0u));
+    m_server.Next(Taken("e1"));
+    EXPECT_EQ(Send(*store, 1, "x"), 0);
+    m_server.Next(CopyTaken("e2"));
+    EXPECT_EQ(CopyPart(*store, 2, 0, 0), 0);
+    m_server.Next(Answer::Status(204));
+    EXPECT_EQ(Abort(*store), 0);
+    EXPECT_THAT(counts(), Pair(2u, 0u));
+    m_server.Next(Completed());
+    EXPECT_EQ(Finish(*store, 2), 0);
+    EXPECT_THAT(counts(), Pair(2u, 1u));
+    Open(*store);
+    m_server.Next(Completed());
+    auto finish = Finished(0);
+    EXPECT_EQ(store->FinishMultiPartUploadAsync(&finish), 0);
+    EXPECT_THAT(counts(), Pair(3u, 2u));
+    EXPECT_EQ(Finish(*store, 0), -1);
+    EXPECT_EQ(store->FinishMultiPartUploadAsync(&finish), -1);
+    EXPECT_THAT(counts(), Pair(3u, 4u));
+    EXPECT_EQ(store->GetRequestCount(), 10u);
 }
 
 TEST_F(MultiPart, AFailedPartRecordsNothingAndItsRetryCounts) {
@@ -215,8 +292,7 @@ TEST_F(MultiPart, AFailedPartRecordsNothingAndItsRetryCounts) {
 TEST_F(MultiPart, ACopiedPartSendsExactlyThisRequest) {
     const auto store = MakeStore();
     Open(*store);
-    m_server.Next(
-        Answer::Status(200).Body("<CopyPartResult><ETag>\"copied\"</ETag></CopyPartResult>"));
+    m_server.Next(CopyTaken("\"copied\""));
     EXPECT_EQ(CopyPart(*store, 1, 0, 5242879), 0);
     const RecordedRequest request = Last();
     EXPECT_EQ(request.method, "PUT");
@@ -233,7 +309,7 @@ TEST_F(MultiPart, ACopiedPartSendsExactlyThisRequest) {
 TEST_F(MultiPart, ACopiedRangeOfOneByteNamesItTwice) {
     const auto store = MakeStore();
     Open(*store);
-    m_server.Next(Answer::Status(200).Body("<CopyPartResult><ETag>e</ETag></CopyPartResult>"));
+    m_server.Next(CopyTaken("e"));
     EXPECT_EQ(CopyPart(*store, 1, 0, 0), 0);
     EXPECT_EQ(Last().Value("x-amz-copy-source-range"), "bytes=0-0");
     m_server.Next(Completed());
@@ -318,9 +394,12 @@ TEST_F(MultiPart, OfThePartNumberTheLow32BitsCount) {
     m_server.Next(Taken("e2"));
     EXPECT_EQ(Send(*store, (std::uint64_t{1} << 32) + 2, "x"), 0);
     EXPECT_THAT(Last().target, HasSubstr("partNumber=2&"));
+    m_server.Next(CopyTaken("e3"));
+    EXPECT_EQ(CopyPart(*store, (std::uint64_t{7} << 32) + 3, 0, 9), 0);
+    EXPECT_THAT(Last().target, HasSubstr("partNumber=3&"));
     m_server.Next(Completed());
-    EXPECT_EQ(Finish(*store, 2), 0);
-    EXPECT_EQ(XmlOf(Last()), PartList({"", "e2"}));
+    EXPECT_EQ(Finish(*store, 3), 0);
+    EXPECT_EQ(XmlOf(Last()), PartList({"", "e2", "e3"}));
 }
 
 TEST_F(MultiPart, AnEmptyPartIsSentAsNoBytes) {
@@ -337,7 +416,7 @@ TEST_F(MultiPart, AnEmptyPartIsSentAsNoBytes) {
 TEST_F(MultiPart, ARangeBeyond32BitsIsNamedInFull) {
     const auto store = MakeStore();
     Open(*store);
-    m_server.Next(Answer::Status(200).Body("<CopyPartResult><ETag>e</ETag></CopyPartResult>"));
+    m_server.Next(CopyTaken("e"));
     EXPECT_EQ(CopyPart(*store, 1, 5368709120u, 18446744073709551615u), 0);
     EXPECT_EQ(Last().Value("x-amz-copy-source-range"), "bytes=5368709120-18446744073709551615");
     m_server.Next(Completed());
@@ -363,6 +442,8 @@ TEST_F(MultiPart, AnAbortLeavesTheUploadKnownAndOnlyAFinishForgetsIt) {
     EXPECT_EQ(Abort(*store), 0);
     EXPECT_EQ(Last().method, "DELETE");
     EXPECT_EQ(Last().target, std::string("/the-bucket/k?") + kUploadInQuery);
+    EXPECT_EQ(Last().body, "");
+    EXPECT_EQ(UnknownHeaders(Last()), "");
     EXPECT_THAT(Lines(), IsEmpty());
     m_server.Next(Taken("e1"));
     EXPECT_EQ(Send(*store, 1, "x"), 0) << "the service decides";
