@@ -32,8 +32,8 @@ std::string AsyncUpload::Init(MIRQOSInterface& store) {
     return store.InitMultiPartUpload(&init, &outcome) == 0 ? outcome.m_szUploadId : "";
 }
 
-std::int32_t AsyncUpload::Submit(MIRQOSInterface& store, int number, const std::string& bytes,
-                                 bool last, const std::string& upload) {
+std::int32_t AsyncUpload::Submit(MIRQOSInterface& store, std::int64_t number,
+                                 const std::string& bytes, bool last, const std::string& upload) {
     CloudStoreMultiPartUploadContext part;
     part.m_pszBucket = kBucket;
     part.m_pszKey = "k";

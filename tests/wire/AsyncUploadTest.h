@@ -19,8 +19,9 @@ protected:
 
     /// Opens an upload; its id, or an empty text when that failed.
     static std::string Init(MIRQOSInterface& store);
-    static std::int32_t Submit(MIRQOSInterface& store, int number, const std::string& bytes,
-                               bool last, const std::string& upload = "u1");
+    static std::int32_t Submit(MIRQOSInterface& store, std::int64_t number,
+                               const std::string& bytes, bool last,
+                               const std::string& upload = "u1");
     static std::int32_t Finish(MIRQOSInterface& store, std::int32_t parts,
                                const std::string& upload = "u1");
     static std::int32_t Abort(MIRQOSInterface& store, const std::string& upload = "u1");

@@ -32,6 +32,8 @@ TEST_F(AsyncUpload, APartSendsExactlyThisRequestAndItsBufferIsFreeAtOnce) {
     EXPECT_EQ(request.target, PartTarget(1));
     EXPECT_EQ(request.body, "the bytes");
     EXPECT_EQ(SignatureProblem(request, kKeyId, kSecret, kRegion), "");
+    EXPECT_EQ(UnknownHeaders(request), "");
+    EXPECT_EQ(UnknownHeaders(Completions().at(0)), "");
     EXPECT_EQ(TagsSent(), "e1;");
     EXPECT_EQ(store->GetRequestCount(), 3u);
     EXPECT_THAT(Lines(), testing::Not(Contains(HasSubstr("failed"))));
@@ -171,6 +173,36 @@ TEST_F(AsyncUpload, ANumberSentTwiceCountsTwiceAndTheAnswerHandledLastStands) {
     EXPECT_EQ(TagsSent(), "second;");
     EXPECT_EQ(m_server.Requests().at(1).body, "aaaa");
     EXPECT_EQ(m_server.Requests().at(2).body, "bbbb");
+}
+
+TEST_F(AsyncUpload, OfANumberSentTwiceTheTagOfTheLaterAnswerStandsAlsoWhereItWasSentFirst) {
+    const auto store = StoreWithThreads(2);
+    Open(*store);
+    CompleteWith();
+    Gate gates[2];
+    m_server.On("PUT", PartTarget(1))
+        .Once(Tagged("first").Wait(Place::AnswerByte(0), gates[0]))
+        .Once(Tagged("second").Wait(Place::AnswerByte(0), gates[1]));
+    EXPECT_EQ(Submit(*store, 1, "aaaa", false), 0);
+    ASSERT_TRUE(gates[0].WaitUntilReached());
+    EXPECT_EQ(Submit(*store, 1, "bbbb", true), 0);
+    ASSERT_TRUE(gates[1].WaitUntilReached());
+    gates[1].Open();
+    AwaitAnswers(*store, 1);
+    gates[0].Open();
+    EXPECT_EQ(Finish(*store, 1), 0);
+    EXPECT_EQ(TagsSent(), "first;");
+}
+
+TEST_F(AsyncUpload, OfThePartNumberTheLow32BitsCount) {
+    const auto store = StoreWithThreads(1);
+    Open(*store);
+    CompleteWith();
+    Part(2, Tagged("e2"));
+    EXPECT_EQ(Submit(*store, (std::int64_t{1} << 32) + 2, "x", true), 0);
+    EXPECT_EQ(StoreTestAccess::Upload(*store, "u1")->m_mapPartBuffers.count(2), 1u);
+    EXPECT_EQ(Finish(*store, 2), 0);
+    EXPECT_EQ(TagsSent(), ";e2;");
 }
 
 TEST_F(AsyncUpload, AReplacedBodyIsSentWholeAndFreedAsSoonAsNoRequestCanUseIt) {
