@@ -44,11 +44,9 @@ if(MIRQOS_SANITIZE)
   # a stack with its lines, without the variables, which take a third longer to compile
   set(finding_it -fno-omit-frame-pointer -g1)
   if(MINGW)
-    # The toolchain has no sanitizer runtime: a program ends where it would have reported. Wine's
-    # debugger then prints the stack, and reads debug information no newer than this. The check of
-    # virtual calls exists only with a runtime.
+    # The toolchain has no sanitizer runtime: a program ends where it would have reported. The check
+    # of virtual calls exists only with a runtime.
     list(APPEND sanitizers -fno-sanitize=vptr -fsanitize-undefined-trap-on-error)
-    list(APPEND finding_it -gdwarf-4)
   endif()
   add_compile_options(${sanitizers} ${finding_it} -fno-sanitize-recover=all -O1)
   add_link_options(${sanitizers})
