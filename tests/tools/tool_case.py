@@ -61,12 +61,12 @@ class Case(unittest.TestCase):
     def path(self, name):
         return os.path.join(self.folder, name)
 
-    def run_tool(self, *arguments, env=None, keys=b"", **user):
-        """Runs the program in the test's folder, with `keys` on its input stream, perhaps as another
-        user. The secrets never come out of it."""
+    def run_tool(self, *arguments, env=None, keys=b"", by=()):
+        """Runs the program in the test's folder, with `keys` on its input stream, started by the
+        command `by` if one is given. The secrets never come out of it."""
         env = env or environment()
-        done = subprocess.run(COMMAND + list(arguments), env=env, cwd=self.folder, timeout=LIMIT,
-                              input=keys, capture_output=True, **user)
+        done = subprocess.run([*by, *COMMAND, *arguments], env=env, cwd=self.folder, timeout=LIMIT,
+                              input=keys, capture_output=True)
         out = done.stdout.decode("utf-8").replace("\r\n", "\n")
         err = done.stderr.decode("utf-8").replace("\r\n", "\n")
         for secret in (server()["SECRET_KEY"], WRONG_SECRET):
