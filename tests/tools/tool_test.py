@@ -287,6 +287,29 @@ class Scripted(ScriptedCase):
         self.assertEqual(self.files(), [])
 
 
+    @unittest.skipUnless(os.path.isdir("/proc/self/fd"), "the system does not show open files")
+    def test_streams_that_the_caller_has_closed_are_not_taken_by_others(self):
+        if len(COMMAND) > 1:
+            self.skipTest("a runner opens files of its own")
+        data = random.Random(1).randbytes(2 * PART)
+        streams = []
+
+        def answer(request):
+            streams.extend(os.readlink("/proc/%d/fd/%d" % (tool.pid, n)) for n in range(3))
+            request.send_range_of(data)
+        env = self.serve(answer)
+        tool = subprocess.Popen(["sh", "-c", "exec \"$@\" <&- >&- 2>&-", "sh"] + COMMAND +
+                                ["get", "s3://bucket/k", "out"], env=env, cwd=self.folder)
+        try:
+            self.assertEqual(tool.wait(LIMIT), 0)
+        finally:
+            tool.kill()
+            tool.wait()
+        self.assertEqual(set(streams), {"/dev/null"})
+        with open(self.path("out"), "rb") as out:
+            self.assertEqual(out.read(), data)
+
+
 class Help(Case):
     def test_help_names_commands_options_variables_and_exit_codes(self):
         text = self.succeed("--help")
