@@ -68,21 +68,21 @@ class LogControl(unittest.TestCase):
     def path(self, name):
         return windows_path(os.path.join(self.folder, name))
 
-    def control(self, *arguments):
+    def control(self, *arguments, to=subprocess.PIPE):
         done = subprocess.run(RUNNER + [PROGRAM] + list(arguments), stdin=subprocess.DEVNULL,
-                              capture_output=True, timeout=LIMIT)
+                              stdout=to, stderr=subprocess.PIPE, timeout=LIMIT)
         err = done.stderr.decode().replace("\r\n", "\n")
         # Wine's own services may complain on the program's error stream
         err = "".join(line for line in err.splitlines(True) if not line.startswith("wine: "))
-        return done.returncode, done.stdout.decode(), err
+        return done.returncode, (done.stdout or b"").decode(), err
 
     def succeed(self, *arguments):
         code, out, err = self.control(*arguments)
         self.assertEqual((code, err), (0, ""), arguments)
         return out
 
-    def fail_with(self, expected, *arguments):
-        code, out, err = self.control(*arguments)
+    def fail_with(self, expected, *arguments, to=subprocess.PIPE):
+        code, out, err = self.control(*arguments, to=to)
         self.assertEqual((code, out), (expected, ""), (arguments, err))
         self.assertEqual(err.count("\n"), 1, err)
         self.assertTrue(err.startswith("mirqos-logctl: "), err)
@@ -212,6 +212,13 @@ class LogControl(unittest.TestCase):
                           ("list", "--all"), ("show", self.pid, "--wrong")):
             self.assertIn("--help", self.fail_with(2, *arguments))
         self.assertEqual(self.state(), before)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is full")
+    def test_an_answer_that_does_not_fit_is_no_success(self):
+        for arguments in (("list",), ("show", self.pid), ("--json", "show", self.pid)):
+            with self.subTest(arguments=arguments), open("/dev/full", "wb") as full:
+                self.assertIn("cannot write 'standard output': ",
+                              self.fail_with(1, *arguments, to=full))
 
     def test_explains_itself(self):
         self.assertIn("Exit codes:", self.succeed("--help"))

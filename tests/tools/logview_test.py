@@ -122,13 +122,13 @@ class LogView(unittest.TestCase):
         self.assertEqual(code, 0)
         return rest
 
-    def run_program(self, *arguments):
+    def run_program(self, *arguments, to=subprocess.PIPE):
         done = subprocess.run(RUNNER + [PROGRAM] + list(arguments), stdin=subprocess.DEVNULL,
-                              capture_output=True, timeout=LIMIT)
+                              stdout=to, stderr=subprocess.PIPE, timeout=LIMIT)
         err = done.stderr.decode().replace("\r\n", "\n")
         # Wine's own services may complain on the program's error stream
         err = "".join(text for text in err.splitlines(True) if not text.startswith("wine: "))
-        return done.returncode, done.stdout.decode(), err
+        return done.returncode, (done.stdout or b"").decode(), err
 
     def test_shows_lines_of_processes_that_start_before_and_after_it(self):
         first = self.host()
@@ -302,6 +302,13 @@ class LogView(unittest.TestCase):
         self.view()
         code, out, err = self.run_program(EXECUTABLE)
         self.assertEqual((code, out, err), (4, "", "mirqos-logview: another log viewer is running\n"))
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is full")
+    def test_ends_when_its_output_is_full(self):
+        with open("/dev/full", "wb") as full:
+            code, _, err = self.run_program(EXECUTABLE, to=full)
+        self.assertEqual(code, 3, err)
+        self.assertRegex(err, r"^mirqos-logview: cannot write 'standard output': [^\n]+\n$")
 
     def test_wrong_command_lines_are_explained_in_one_line(self):
         for arguments in ([], ["--level", "x", EXECUTABLE], ["a\\b.exe"], [""], ["--nonsense"],

@@ -61,13 +61,14 @@ class Case(unittest.TestCase):
     def path(self, name):
         return os.path.join(self.folder, name)
 
-    def run_tool(self, *arguments, env=None, keys=b"", by=()):
+    def run_tool(self, *arguments, env=None, keys=b"", by=(), to=subprocess.PIPE):
         """Runs the program in the test's folder, with `keys` on its input stream, started by the
-        command `by` if one is given. The secrets never come out of it."""
+        command `by` if one is given. What goes `to` a stream of the test is not in the result. The
+        secrets never come out of it."""
         env = env or environment()
         done = subprocess.run([*by, *COMMAND, *arguments], env=env, cwd=self.folder, timeout=LIMIT,
-                              input=keys, capture_output=True)
-        out = done.stdout.decode("utf-8").replace("\r\n", "\n")
+                              input=keys, stdout=to, stderr=subprocess.PIPE)
+        out = (done.stdout or b"").decode("utf-8").replace("\r\n", "\n")
         err = done.stderr.decode("utf-8").replace("\r\n", "\n")
         for secret in (server()["SECRET_KEY"], WRONG_SECRET):
             self.assertNotIn(secret, out + err)

@@ -310,6 +310,31 @@ class Scripted(ScriptedCase):
             self.assertEqual(out.read(), data)
 
 
+class Output(Case):
+    """What becomes of an answer that cannot be written."""
+
+    def answers(self):
+        bucket = self.bucket()
+        self.write("in", 10)
+        self.succeed("put", "in", bucket + "/k")
+        return (("--help",), ("ls", bucket), ("ls", bucket, "--json"), ("stat", bucket + "/k"))
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is full")
+    def test_an_answer_that_does_not_fit_is_no_success(self):
+        for arguments in self.answers():
+            with self.subTest(arguments=arguments), open("/dev/full", "wb") as full:
+                self.assertIn("cannot write 'standard output': ",
+                              self.fail_with(3, *arguments, to=full))
+
+    def test_a_reader_that_has_enough_is_no_failure(self):
+        for arguments in self.answers():
+            with self.subTest(arguments=arguments):
+                reader, writer = os.pipe()
+                os.close(reader)
+                with os.fdopen(writer, "wb") as pipe:
+                    self.succeed(*arguments, to=pipe)
+
+
 class Help(Case):
     def test_help_names_commands_options_variables_and_exit_codes(self):
         text = self.succeed("--help")

@@ -10,7 +10,7 @@ enum class ExitCode : int {
     Success = 0,
     SystemRefused = 1,  ///< Windows refused or failed
     Usage = 2,          ///< the command line is wrong
-    LocalFile = 3,      ///< the output file could not be written
+    LocalFile = 3,      ///< the output could not be written
     OtherViewer = 4,    ///< another viewer runs
 };
 

@@ -48,7 +48,7 @@ Exit codes:
   0  ended with quit or Ctrl-C
   1  Windows refused or failed; the message has the system error
   2  the command line is wrong
-  3  the output file could not be written
+  3  the output could not be written, to its file or the standard output
   4  another viewer is running
 )";
 

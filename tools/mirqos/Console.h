@@ -7,9 +7,12 @@
 
 namespace Mirqos::Tool {
 
-/// Writes UTF-8 text to where the user reads it. A stream that is closed or full is not an error of
-/// the command, so nothing is reported.
+/// Writes UTF-8 text to where the user reads the answer. Throws Failure (LocalFile) where not all
+/// of it gets there: half an answer must not pass for a whole one. A reader that has closed its
+/// pipe has what it wanted, and a program may have no such stream: neither is an error.
 void WriteOutput(std::string_view text);
+/// Writes UTF-8 text to where the user reads messages. What does not get there is dropped: there is
+/// no place left to tell it.
 void WriteError(std::string_view text);
 
 /// Reads on from where the user's input stream is; 0 at its end, nothing where it cannot be read.

@@ -6,19 +6,23 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "tools/mirqos/posix/FileStatus.h"
+
 namespace Mirqos::Tool {
 
 namespace {
 
-void Write(int descriptor, std::string_view text) {
+/// 0, or the error after which the rest was not written.
+int Write(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t count = ::write(descriptor, text.data(), text.size());
         if (count >= 0) {
             text.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno != EINTR) {
-            return;
+            return errno;
         }
     }
+    return 0;
 }
 
 constexpr unsigned kUsualColumns = 80;
@@ -26,7 +30,10 @@ constexpr unsigned kUsualColumns = 80;
 }  // namespace
 
 void WriteOutput(std::string_view text) {
-    Write(STDOUT_FILENO, text);
+    const int error = Write(STDOUT_FILENO, text);
+    if (error != 0 && error != EPIPE) {
+        FailWith(error, "write", "standard output");
+    }
 }
 
 void WriteError(std::string_view text) {

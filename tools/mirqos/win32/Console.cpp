@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/mirqos/win32/FileStatus.h"
 #include "tools/mirqos/win32/Wide.h"
 
 namespace Mirqos::Tool {
@@ -12,30 +13,55 @@ namespace {
 
 constexpr std::size_t kMostPerCall = std::size_t{1} << 30U;
 
-void Write(DWORD stream, std::string_view text) {
-    const HANDLE handle = GetStdHandle(stream);
-    DWORD mode = 0;
-    DWORD written = 0;
-    if (GetConsoleMode(handle, &mode) != 0) {
-        // the console takes UTF-16 whatever its code page is
-        const std::wstring wide = ToWide(text);
-        WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-        return;
-    }
+/// Hands `text` on until all of it is taken; `write` sets how much it took. ERROR_SUCCESS, or the
+/// error after which the rest was not written.
+template <typename Text, typename WriteSome>
+DWORD WriteAll(Text text, const WriteSome& write) {
     while (!text.empty()) {
-        if (::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) ==
-                0 ||
-            written == 0) {
-            return;
+        DWORD written = 0;
+        if (write(text.data(), static_cast<DWORD>(std::min(text.size(), kMostPerCall)), written) ==
+            0) {
+            return GetLastError();
+        }
+        if (written == 0) {
+            return ERROR_WRITE_FAULT;  // a pipe that does not wait for its reader
         }
         text.remove_prefix(written);
     }
+    return ERROR_SUCCESS;
+}
+
+DWORD Write(DWORD stream, std::string_view text) {
+    const HANDLE handle = GetStdHandle(stream);
+    DWORD mode = 0;
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
+        return ERROR_SUCCESS;  // the program was started without this stream
+    }
+    if (GetConsoleMode(handle, &mode) != 0) {
+        // the console takes UTF-16 whatever its code page is
+        const std::wstring wide = ToWide(text);
+        return WriteAll(std::wstring_view(wide),
+                        [handle](const wchar_t* from, DWORD size, DWORD& written) {
+                            return WriteConsoleW(handle, from, size, &written, nullptr);
+                        });
+    }
+    return WriteAll(text, [handle](const char* from, DWORD size, DWORD& written) {
+        return ::WriteFile(handle, from, size, &written, nullptr);
+    });
+}
+
+bool HasReaderGone(DWORD error) {
+    return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA ||
+           error == ERROR_PIPE_NOT_CONNECTED;
 }
 
 }  // namespace
 
 void WriteOutput(std::string_view text) {
-    Write(STD_OUTPUT_HANDLE, text);
+    const DWORD error = Write(STD_OUTPUT_HANDLE, text);
+    if (error != ERROR_SUCCESS && !HasReaderGone(error)) {
+        FailWith(error, "write", "standard output");
+    }
 }
 
 void WriteError(std::string_view text) {
