@@ -8,13 +8,14 @@ import shutil
 import signal
 import subprocess
 
-from relay import Relay
+from relay import Proxy, Relay
 from tool_case import COMMAND, LIMIT, Case, digest, environment, run, server
 
 MIB = 1 << 20
 PART = 8 * MIB
 OLD = 1500000000  # a time of change long ago, so that it is trusted
 MANIFEST = "/.mirqos/manifest"
+DENIED = (403, [], b"<?xml version=\"1.0\"?><Error><Code>AccessDenied</Code></Error>")
 # Rights that root has over every file, dropped; another user might not reach the program at all.
 WITHOUT_ROOTS_RIGHTS = () if os.geteuid() else (
     "setpriv", "--inh-caps=-dac_override,-dac_read_search",
@@ -86,6 +87,12 @@ class BackupCase(Case):
     def skip_on_windows(self, why):
         if windows():
             self.skipTest(why)
+
+    def proxy(self, rule):
+        """The environment of the server behind a Proxy."""
+        proxy = Proxy(server()["ENDPOINT"], rule)
+        self.addCleanup(proxy.close)
+        return environment(MIRQOS_ENDPOINT=proxy.endpoint)
 
     def setUp(self):
         super().setUp()
@@ -402,6 +409,35 @@ class Damage(BackupCase):
         answer = self.backup(expected=3)
         self.assertEqual([entry["path"] for entry in answer["failed"]], [".mirqos/own", "bad\\xFF"])
         self.assertEqual(answer["sent"], 1)
+
+
+class Refused(BackupCase):
+    """What a service says no to, by a proxy that says it."""
+
+    def refusing(self, method, refused):
+        """The environment of a service that refuses such requests for keys like this."""
+        def rule(asked, path, forward):
+            return DENIED if asked == method and refused(path) else forward()
+        return self.proxy(rule)
+
+    def test_one_file_stops_no_other(self):
+        for name in ("a", "b", "c"):
+            self.make("src/" + name, 100)
+        env = self.refusing("PUT", lambda path: path.endswith("/p/b"))
+        answer = self.backup("--threads", "1", env=env, expected=1)
+        self.assertEqual((answer["sent"], [entry["path"] for entry in answer["failed"]]),
+                         (2, ["b"]))
+        self.assertIn("status 15", self.said)
+        self.answer("verify", self.url)
+        self.assertEqual(self.counts(self.backup()), (1, 2, 0, 0))
+
+    def test_a_service_that_refuses_every_file_is_not_asked_for_all(self):
+        for number in range(50):
+            self.make("src/%02d" % number, 100)
+        asked = []
+        env = self.refusing("PUT", lambda path: asked.append(path) or True)
+        self.fail_with(1, "backup", "src", self.url, "--threads", "1", "--no-progress", env=env)
+        self.assertEqual(len(asked), 10)
 
 
 class Trouble(BackupCase):

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "tools/mirqos/Answer.h"
@@ -13,6 +14,7 @@
 #include "tools/mirqos/FolderWalk.h"
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/ObjectRemoval.h"
+#include "tools/mirqos/Patience.h"
 #include "tools/mirqos/Progress.h"
 #include "tools/mirqos/Statuses.h"
 #include "tools/mirqos/Stopwatch.h"
@@ -120,21 +122,24 @@ private:
     void SendOne(const BackupPlan::Task& task, const BackupStore& backup, const FileSender& sender,
                  BackupLedger& ledger) {
         m_invocation.interruption.CheckPoint();
+        std::optional<FileSender::Result> result;
         try {
-            const auto result =
+            result =
                 sender.Send(JoinPath(m_folder, task.path), backup.UrlOf(task.path), task.stored);
-            ledger.Record(task.path, result.record);
-            Count(result);
         } catch (const Failure& failure) {
-            if (failure.Code() != ExitCode::LocalFile) {
-                throw;
-            }
+            Trouble trouble = m_patience.Bear(task.path, failure);
             const std::lock_guard<std::mutex> lock(m_mutex);
-            m_troubles.push_back({task.path, failure.what()});
+            m_troubles.push_back(std::move(trouble));
+            return;
         }
+        ledger.Record(task.path, result->record);
+        Count(*result);
     }
 
     void Count(const FileSender::Result& result) {
+        if (result.sent) {
+            m_patience.Renew();
+        }
         const std::lock_guard<std::mutex> lock(m_mutex);
         std::uint64_t& files = result.sent ? m_sent : m_plan.unchanged;
         std::uint64_t& bytes = result.sent ? m_sentBytes : m_plan.unchangedBytes;
@@ -200,6 +205,7 @@ private:
     const Stopwatch m_stopwatch;
     BackupPlan m_plan;
     std::uint64_t m_leftOut = 0;
+    Patience m_patience;
     std::mutex m_mutex;
     Troubles m_troubles;
     std::uint64_t m_sent = 0;
@@ -228,11 +234,13 @@ Command BackupCommand() {
             "done with when they were sent. A run that is interrupted aborts what it has open\n"
             "and keeps what it has sent: the next one goes on there.\n"
             "\n"
-            "A file that cannot be read, or changes while it is read, is named at the end,\n"
-            "and the exit code is 3 then; what was stored of it before stays. Links, pipes\n"
-            "and devices are left out and counted. Empty folders are remembered. Of files\n"
-            "that are gone the objects stay, though restore does not bring them back, until a\n"
-            "run with --delete. A folder .mirqos is the program's own and is not backed up.\n"
+            "A file that cannot be read, changes while it is read, or is refused by the\n"
+            "service, is named at the end; what was stored of it before stays. The exit code\n"
+            "is 1 then where the service refused one, else 3. A service that refuses one\n"
+            "after another ends the run. Links, pipes and devices are left out and counted.\n"
+            "Empty folders are remembered. Of files that are gone the objects stay, though\n"
+            "restore does not bring them back, until a run with --delete. A folder .mirqos is\n"
+            "the program's own and is not backed up.\n"
             "\n"
             "Two runs to one prefix at the same time spoil each other's manifest.\n"
             "\n"
