@@ -17,10 +17,18 @@
 
 namespace Mirqos {
 
-/// The status that the boundary reports for a failed outcome: the SDK's number of its error type.
+/// The status that the boundary reports for an error: the SDK's number of its type. One type has
+/// the number 0, which hosts take for a success: as an unknown error it stays a failure.
+template <class Error>
+int32_t StatusOfError(const Error& error) {
+    const auto nType = static_cast<int32_t>(error.GetErrorType());
+    return nType != 0 ? nType : static_cast<int32_t>(Aws::S3::S3Errors::UNKNOWN);
+}
+
+/// The same for a failed outcome.
 template <class Outcome>
 int32_t StatusOf(const Outcome& outcome) {
-    return static_cast<int32_t>(outcome.GetError().GetErrorType());
+    return StatusOfError(outcome.GetError());
 }
 
 /// Names the library's allocations to the SDK's memory system.

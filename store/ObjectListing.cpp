@@ -87,14 +87,12 @@ void LogComplete(const char* pszOperation, int32_t nStatus, const ListObjectsV2R
 }
 
 template <class Outcome>
-int32_t LogFailure(const char* pszOperation, const ListObjectsV2Request& request,
-                   const Outcome& outcome) {
-    const int32_t nStatus = Mirqos::StatusOf(outcome);
+void LogFailure(const char* pszOperation, const ListObjectsV2Request& request,
+                const Outcome& outcome, int32_t nStatus) {
     ModuleLog(&g_ModuleLog, 1, "[%s]ListObjectsV2 in bucket:[%s] failed.", pszOperation,
               request.GetBucket().c_str());
     ModuleLog(&g_ModuleLog, 1, "[%s]The error message:[%s], EC:[%d]", pszOperation,
               outcome.GetError().GetMessage().c_str(), nStatus);
-    return nStatus;
 }
 
 }  // namespace
@@ -154,12 +152,23 @@ int32_t AwsS3Store::ListObjects(CloudStoreListObjectConext* pContext) {
             pContext->m_bTruncated = true;
             break;
         }
+        if (entries.empty() && page.GetNextContinuationToken() == request.GetContinuationToken()) {
+            // The same request would get the same answer, and that for ever.
+            ModuleLog(
+                &g_ModuleLog, 1,
+                "[%s]The listing of bucket:[%s] does not go on: an empty page names itself as "
+                "the next.",
+                kOperation, request.GetBucket().c_str());
+            pContext->m_bTruncated = true;
+            break;
+        }
         request.SetContinuationToken(page.GetNextContinuationToken());
         ++m_nRequestCount;
         outcome = m_pClient->ListObjectsV2(request);
     }
     if (!outcome.IsSuccess()) {
-        nStatus = LogFailure(kOperation, request, outcome);
+        nStatus = static_cast<int32_t>(outcome.GetError().GetErrorType());
+        LogFailure(kOperation, request, outcome, nStatus);
     }
     // The error type decides, not the outcome: with type 0 the caller gets what was gathered.
     if (nStatus == 0) {
@@ -193,7 +202,8 @@ int32_t AwsS3Store::ListObjectsSegmented(CloudStoreListObjectConext* pContext) {
     int32_t nStatus = 0;
     const auto outcome = m_pClient->ListObjectsV2(request);
     if (!outcome.IsSuccess()) {
-        nStatus = LogFailure(kOperation, request, outcome);
+        nStatus = Mirqos::StatusOf(outcome);
+        LogFailure(kOperation, request, outcome, nStatus);
     } else {
         const auto& page = outcome.GetResult();
         bPageTruncated = page.GetIsTruncated();

@@ -295,4 +295,14 @@ const std::vector<Mishap>& Mishaps() {
     return faults;
 }
 
+const Mishap& RefusalNumberedZero() {
+    static const Mishap fault =
+        Instead("400 IncompleteSignature", Answer::S3Error(400, "IncompleteSignature", "Half."),
+                [](const Sent& sent) {
+                    return sent.answered == Answered::head ? std::nullopt
+                                                           : std::optional<Effect>(kNotUnderstood);
+                });
+    return fault;
+}
+
 }  // namespace Mirqos::Test

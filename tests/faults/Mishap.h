@@ -80,4 +80,8 @@ struct Mishap {
 /// All faults, each under a name of its own, in a fixed order.
 const std::vector<Mishap>& Mishaps();
 
+/// A refusal with the error whose number is that of a success. An answer without a body cannot tell
+/// it.
+const Mishap& RefusalNumberedZero();
+
 }  // namespace Mirqos::Test

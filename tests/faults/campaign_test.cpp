@@ -244,6 +244,19 @@ TEST_P(Faults, EachEndsAsPromisedAndTheNextCallWorks) {
     }
 }
 
+TEST_P(Faults, ARefusalNumberedLikeASuccessIsNone) {
+    // a whole listing hands out what it has then, as its own tests show
+    const bool lists =
+        m_operation.name == "ListObjects" || m_operation.name == "CopyObject, size looked up";
+    Fate good;
+    m_operation.Promised(good);
+    for (std::size_t request = 0; !lists && request < good.Requests().size(); ++request) {
+        if (RefusalNumberedZero().effect(good.Requests()[request])) {
+            Strike({RefusalNumberedZero(), request, false, true});
+        }
+    }
+}
+
 std::string NameOf(const testing::TestParamInfo<std::size_t>& info) {
     const std::string operation = AllOperations().at(info.param)->name;
     std::string name;

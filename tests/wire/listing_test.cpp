@@ -304,11 +304,39 @@ TEST_F(ListingWire, AnErrorOfTypeZeroOnTheFirstPageHandsOutNothing) {
         Listing listing(*store);
         listing.m_pszBucket = "b";
         std::copy_n("before", 7, listing.m_szContinuationToken);
-        EXPECT_EQ(segmented ? store->ListObjectsSegmented(&listing) : store->ListObjects(&listing),
-                  0);
+        if (segmented) {
+            // a success would end the caller's walk as if there were no more
+            EXPECT_EQ(store->ListObjectsSegmented(&listing), StatusOf(Aws::S3::S3Errors::UNKNOWN));
+        } else {
+            EXPECT_EQ(store->ListObjects(&listing), 0);
+        }
         EXPECT_EQ(listing.m_pObjects, nullptr);
         EXPECT_STREQ(listing.m_szContinuationToken, "before");
     }
+}
+
+TEST_F(ListingWire, AnEmptyPageThatNamesItselfAsTheNextEndsTheListing) {
+    const std::string note =
+        "[AwsS3Store::ListObjects]The listing of bucket:[b] does not go on: an empty page names "
+        "itself as the next.";
+    const auto store = MakeStore();
+    Listing listing(*store);
+    listing.m_pszBucket = "b";
+    m_server.Next(ListingPage(NumberedKeys(3), "t1"));
+    m_server.Next(ListingPage({}, "t1"));
+    EXPECT_EQ(store->ListObjects(&listing), 0);
+    EXPECT_EQ(listing.Keys(), NumberedKeys(3));
+    EXPECT_TRUE(listing.m_bTruncated) << "there may be more";
+    EXPECT_EQ(m_log.CountContaining(note), 1u);
+
+    m_server.Next(Answer::Status(200).Body(
+        "<ListBucketResult><IsTruncated>true</IsTruncated></ListBucketResult>"));
+    Listing without(*store);
+    without.m_pszBucket = "b";
+    EXPECT_EQ(store->ListObjects(&without), 0);
+    EXPECT_EQ(without.m_pObjects, nullptr);
+    EXPECT_TRUE(without.m_bTruncated);
+    EXPECT_EQ(m_log.CountContaining(note), 2u);
 }
 
 TEST_F(ListingWire, AnErrorOfTypeZeroHandsOutWhatWasGathered) {
