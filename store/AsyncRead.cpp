@@ -140,15 +140,17 @@ void AwsS3Store::HandleAsyncReadFunc(const Aws::S3::Model::GetObjectRequest& req
         batch.m_nErrorCode = Mirqos::StatusOf(outcome);
     } else if (read.m_pBuf == nullptr) {
         batch.m_nErrorCode = Mirqos::kUnknownError;  // nowhere to deliver to is no success
-    } else if (std::streambuf& body = *transfer.m_pResponseStream.load()->rdbuf();
-               !Mirqos::HoldsRange(outcome.GetResult(), body, read)) {
-        batch.m_nErrorCode = static_cast<int32_t>(Mirqos::kOtherRange);
+    } else if (const char* pszFault = Mirqos::RangeFault(
+                   outcome.GetResult(), *transfer.m_pResponseStream.load()->rdbuf(), read);
+               pszFault != nullptr) {
+        batch.m_nErrorCode = static_cast<int32_t>(Mirqos::kRangeFault);
         ModuleLog(&g_ModuleLog, 1, "[%s]. Key: %s Range = [%s] failed: %s", kOperation, pszKey,
-                  request.GetRange().c_str(), Mirqos::kOtherRangeText);
+                  request.GetRange().c_str(), pszFault);
     } else if (batch.m_nErrorCode == 0) {
         // After a failure nothing more is delivered, and the failure stays: a success that replaced
         // it would tell the caller that all buffers hold their data.
-        const uint64_t nCopied = Mirqos::CopyBody(body, read.m_pBuf);
+        const uint64_t nCopied =
+            Mirqos::CopyBody(*transfer.m_pResponseStream.load()->rdbuf(), read.m_pBuf);
         ModuleLog(&g_ModuleLog, 1, "[%s]. pBuf:[%lld] len:[%d] contentLen:[%d] availSize=[%d].",
                   kOperation, static_cast<long long>(reinterpret_cast<intptr_t>(read.m_pBuf)),
                   static_cast<int>(read.m_nReadLen),

@@ -57,19 +57,21 @@ int32_t AwsS3Store::ReadObject(CloudStoreReadObjectContext* pContext) {
     });
 
     auto outcome = m_pClient->GetObject(request);
+    const char* pszFault = nullptr;
     if (outcome.IsSuccess()) {
         std::streambuf& body = *outcome.GetResult().GetBody().rdbuf();
-        if (Mirqos::HoldsRange(outcome.GetResult(), body, *pContext)) {
+        pszFault = Mirqos::RangeFault(outcome.GetResult(), body, *pContext);
+        if (pszFault == nullptr) {
             pContext->m_nReadSize = Mirqos::CopyBody(body, pContext->m_pBuf);
             return 0;
         }
     }
     lock.unlock();
     const Aws::Client::AWSError<Aws::S3::S3Errors> error =
-        outcome.IsSuccess() ? Aws::Client::AWSError<Aws::S3::S3Errors>(
-                                  Mirqos::kOtherRange, "", Mirqos::kOtherRangeText, false)
-                            : Aws::Client::AWSError<Aws::S3::S3Errors>(outcome.GetError());
-    const auto nStatus = static_cast<int32_t>(error.GetErrorType());
+        outcome.IsSuccess()
+            ? Aws::Client::AWSError<Aws::S3::S3Errors>(Mirqos::kRangeFault, "", pszFault, false)
+            : Aws::Client::AWSError<Aws::S3::S3Errors>(outcome.GetError());
+    const auto nStatus = Mirqos::StatusOfError(error);
     ModuleLog(&g_ModuleLog, 1, "region:[%s], bucket:[%s] read object:[%s] failed.",
               m_strRegion.c_str(), m_strBucket.c_str(), pContext->m_pszKey);
     ModuleLog(&g_ModuleLog, 1, "[%s:%s],EC:[%d].", error.GetMessage().c_str(),

@@ -62,8 +62,8 @@ std::optional<std::string> BeginOf(const std::string& contentRange) {
 
 void CheckRange(const Http::ResponseHead& head) {
     if (const std::string* const range = Http::FindHeader(head.headers, "Content-Range")) {
-        const auto first = Mirqos::FirstByteOf(*range);
-        const auto text = first ? std::optional(std::to_string(*first)) : std::nullopt;
+        const auto read = Mirqos::ReadContentRange(*range);
+        const auto text = read ? std::optional(std::to_string(read->nFirst)) : std::nullopt;
         Require(text == BeginOf(*range), "a range begins with the number before its dash");
     }
 }

@@ -15,28 +15,42 @@
 namespace {
 
 using Mirqos::CopyBody;
-using Mirqos::FirstByteOf;
 using Mirqos::RangeText;
+using Mirqos::ReadContentRange;
 using Mirqos::ReceivingBuffer;
+
+constexpr auto kMost = std::numeric_limits<uint64_t>::max();
 
 TEST(ObjectBody, RangeNamesFirstAndLastByteInDecimal) {
     EXPECT_EQ(RangeText(100, 199), "bytes=100-199");
     EXPECT_EQ(RangeText(0, 0), "bytes=0-0");
     EXPECT_EQ(RangeText(0, 5242879), "bytes=0-5242879");
-    constexpr auto kMost = std::numeric_limits<uint64_t>::max();
     EXPECT_EQ(RangeText(kMost, kMost), "bytes=18446744073709551615-18446744073709551615");
 }
 
-TEST(ObjectBody, AContentRangeTellsItsFirstByte) {
-    EXPECT_EQ(FirstByteOf("bytes 100-199/5000"), 100u);
-    EXPECT_EQ(FirstByteOf("bytes 0-0/*"), 0u);
-    EXPECT_EQ(FirstByteOf("Bytes 007-9/10"), 7u) << "units are alike in any case";
-    EXPECT_EQ(FirstByteOf("bytes 18446744073709551615-18446744073709551615/*"),
-              std::numeric_limits<uint64_t>::max());
+TEST(ObjectBody, AContentRangeTellsItsFirstByteAndItsLength) {
+    const auto expect = [](const char* text, uint64_t first, uint64_t length) {
+        const auto range = ReadContentRange(text);
+        ASSERT_TRUE(range) << text;
+        EXPECT_EQ(range->nFirst, first) << text;
+        EXPECT_EQ(range->nLength, length) << text;
+    };
+    expect("bytes 100-199/5000", 100, 100);
+    expect("bytes 0-0/*", 0, 1);
+    expect("Bytes 007-9/10", 7, 3);  // units are alike in any case
+    expect("bytes 18446744073709551615-18446744073709551615/*", kMost, 1);
+    expect("bytes 1-18446744073709551615", 1, kMost);
+    expect("bytes 5-4/10", 5, 0);
+    expect("bytes 5-/10", 5, 0);
+    expect("bytes 0--1/0", 0, 0);
+    expect("bytes 5-18446744073709551616/*", 5, 0);
+}
+
+TEST(ObjectBody, AContentRangeWithoutItsFirstByteIsNone) {
     for (const char* text :
          {"", " ", "bytes", "bytes ", "bytes */300", "bytes 100", "bytes -5/10", "bytes  1-2/3",
           "bytes 0x1-2/3", "bytes=1-2", "bytes 18446744073709551616-*/*"}) {
-        EXPECT_EQ(FirstByteOf(text), std::nullopt) << text;
+        EXPECT_FALSE(ReadContentRange(text)) << text;
     }
 }
 

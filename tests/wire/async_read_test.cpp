@@ -205,6 +205,24 @@ TEST_F(AsyncRead, AnotherRangeThanAskedForIsAFailureAndDeliversNothing) {
     EXPECT_TRUE(Waits().empty());
 }
 
+TEST_F(AsyncRead, AnAnswerShorterThanItsRangeIsAFailureAndDeliversNothing) {
+    const auto store = StoreWithThreads(1);
+    for (const std::string body : {"", "012"}) {
+        m_server.Next(Answer::Status(206)
+                          .Header("Content-Range", "bytes 0-9/100")
+                          .Body(body)
+                          .WithoutLength());
+        OneRead read(0, 10, "a key");
+        EXPECT_EQ(store->ReadObjectAsync(&read.context), 0);
+        EXPECT_EQ(store->WaitForReadObjectAsync(&read.context),
+                  StatusOf(Aws::S3::S3Errors::UNKNOWN));
+        EXPECT_TRUE(read.Untouched());
+        EXPECT_THAT(Lines(),
+                    Contains("[AwsS3Store::HandleAsyncReadFunc]. Key: a key Range = [bytes=0-9] "
+                             "failed: The answer holds fewer bytes than its range."));
+    }
+}
+
 TEST_F(AsyncRead, ALongAnswerIsBoundedByTheLengthAskedFor) {
     m_server.Next(Answer::Status(200).Body(std::string(100000, 'x')));
     const auto store = StoreWithThreads(1);

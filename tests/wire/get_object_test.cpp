@@ -206,6 +206,26 @@ TEST_F(GetObjectRange, AnAnswerThatBeginsWhereItShouldIsDelivered) {
     EXPECT_EQ(Read(*store, "k", 0, 100).Delivered(), std::string(100, 'w'));
 }
 
+TEST_F(GetObjectRange, AnAnswerShorterThanItsRangeIsAFailureAndDeliversNothing) {
+    const auto store = MakeStore();
+    for (const std::string body : {"", "b", "the first of the bytes"}) {
+        m_log.Clear();
+        // without a length of its own, a body that was cut ends like a whole one
+        m_server.Next(Answer::Status(206)
+                          .Header("Content-Range", "bytes 100-199/300")
+                          .Body(body)
+                          .WithoutLength());
+        ExpectReadFailed(Read(*store, "k", 100, 100), Aws::S3::S3Errors::UNKNOWN, "k",
+                         testing::Eq("The answer holds fewer bytes than its range."));
+    }
+    EXPECT_TRUE(Waits().empty());
+    m_server.Next(Answer::Status(206)
+                      .Header("Content-Range", "bytes 100-121/122")
+                      .Body("the last of the object")
+                      .WithoutLength());
+    EXPECT_EQ(Read(*store, "k", 100, 100).Delivered(), "the last of the object");
+}
+
 TEST_F(GetObjectRange, AnEmptyObjectInPlaceOfAnyRangeIsBelieved) {
     const auto store = MakeStore();
     m_server.Next(Answer::Status(200).Body(""));
