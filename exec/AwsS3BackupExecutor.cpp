@@ -30,7 +30,7 @@ int ThreadIdForLog() {
 AwsS3BackupExecutor::~AwsS3BackupExecutor() {
     ModuleLog(&g_ModuleLog, 1, "Destruct the Backup Executor!");
     for (std::size_t i = 0; i < m_vecThreads.size(); ++i) {
-        Enqueue({kStop, nullptr});
+        EnqueueStop();
     }
     for (const auto& pThread : m_vecThreads) {
         pThread->join();
@@ -101,6 +101,17 @@ void AwsS3BackupExecutor::Enqueue(TaskItem item) {
     }
     lock.unlock();
     m_pTasksReady->Release();
+}
+
+void AwsS3BackupExecutor::EnqueueStop() noexcept {
+    for (;;) {
+        try {
+            Enqueue({kStop, nullptr});
+            return;
+        } catch (const std::bad_alloc&) {
+            std::this_thread::yield();  // the threads give memory back as they take their tasks
+        }
+    }
 }
 
 AwsS3BackupExecutor::TaskItem AwsS3BackupExecutor::Dequeue() {

@@ -48,6 +48,8 @@ private:
 
     void StartWorker();
     void Enqueue(TaskItem item);
+    /// Tries until there is memory for it: a destructor cannot do without.
+    void EnqueueStop() noexcept;
     TaskItem Dequeue();
     void RunWorker();
 

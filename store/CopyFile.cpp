@@ -154,8 +154,10 @@ int32_t AwsS3Store::UploadFileForCopyObject(const CloudStoreCopyObjectContext& c
         return nStatus;
     }
     uint64_t nPartsTried = 0;
-    nStatus =
-        UploadParts(context, strFile, upload.m_szUploadId, pBuffer.get(), nPartSize, nPartsTried);
+    nStatus = Mirqos::StatusOrOutOfMemory([&] {
+        return UploadParts(context, strFile, upload.m_szUploadId, pBuffer.get(), nPartSize,
+                           nPartsTried);
+    });
     if (nStatus == 0) {
         ModuleLogW(&g_ModuleLog, 1,
                    L"[%s] Uploaded object %s to bucket [%s] from file [%s] success.", kUpload,

@@ -99,9 +99,9 @@ int32_t AwsS3Store::InitMultiPartUpload(CloudStoreInitMultiPartUploadContext* pC
     Mirqos::CopyTextOrEndProcess(pOutcome->m_szUploadId, sizeof pOutcome->m_szUploadId,
                                  pszUploadId);
     auto pState = std::make_shared<MultiPartUploadState>();
-    pState->m_pSelf = pState;
     const std::lock_guard<std::mutex> lock(m_mtxStore);
-    m_mapUploads[pszUploadId] = std::move(pState);
+    m_mapUploads[pszUploadId] = pState;
+    pState->m_pSelf = pState;  // last: without memory for its place nothing else would end it
     return 0;
 }
 

@@ -11,6 +11,7 @@
 #include "store/AwsS3Store.h"
 #include "store/BucketName.h"
 #include "store/ObjectKey.h"
+#include "store/Status.h"
 
 namespace {
 
@@ -146,10 +147,10 @@ int32_t AwsS3Store::CopyThroughFile(CloudStoreCopyObjectContext& context) {
         return static_cast<int32_t>(result.error);
     }
     ModuleLogW(&g_ModuleLog, 1, L"[%s] Temporary file is %s.", kThroughFile, strFile.c_str());
-    int32_t nStatus = DownloadFileForCopyObject(context, strFile);
-    if (nStatus == 0) {
-        nStatus = UploadFileForCopyObject(context, strFile);
-    }
+    int32_t nStatus = Mirqos::StatusOrOutOfMemory([&] {
+        const int32_t nLoaded = DownloadFileForCopyObject(context, strFile);
+        return nLoaded != 0 ? nLoaded : UploadFileForCopyObject(context, strFile);
+    });
     if (const auto result = files.Delete(strFile); !result.ok) {
         // A file left behind is a failure of its own, also after a copy that succeeded.
         nStatus = static_cast<int32_t>(result.error);

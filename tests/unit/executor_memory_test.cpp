@@ -1,13 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <memory>
 #include <new>
+#include <thread>
 
 #include "exec/AwsS3BackupExecutor.h"
 #include "tests/support/FailingAllocation.h"
+#include "tests/support/Gate.h"
 
 namespace {
 
 using Mirqos::Test::FailingAllocation;
+using Mirqos::Test::Gate;
 
 class OpenExecutor : public AwsS3BackupExecutor {
 public:
@@ -41,6 +46,26 @@ TEST(ExecutorMemory, ATaskThatFindsNoRoomIsThrownBackAndTakesNoPlace) {
     }
     EXPECT_TRUE(thrown);
     EXPECT_EQ(run, taken);
+}
+
+TEST(ExecutorMemory, ItsEndWaitsForTheMemoryToStopItsThreads) {
+    constexpr int kThreads = 40;  // their stops fill more than one block
+    auto executor = std::make_unique<OpenExecutor>();
+    ASSERT_EQ(executor->Start(kThreads), 0);
+    const Gate gate;
+    for (int i = 0; i < kThreads; ++i) {
+        executor->SubmitToThread([&gate] { gate.Pass(); });
+    }
+    ASSERT_TRUE(gate.WaitUntilReached(kThreads));
+    std::thread end;
+    {
+        const FailingAllocation none(kQueueBlock);
+        end = std::thread([&executor] { executor.reset(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    gate.Open();
+    end.join();
+    EXPECT_EQ(gate.Reached(), kThreads);
 }
 
 }  // namespace

@@ -392,6 +392,18 @@ TEST_F(CopyThroughFile, AnEmptyFileLeavesTheUploadOpenAndIsASuccess) {
     EXPECT_EQ(m_files.OpenFiles(), 0);
 }
 
+TEST_F(CopyThroughFile, APartWithoutMemoryGives14AndLeavesNeitherTheFileNorTheUpload) {
+    ServeSource();
+    ServeTarget();
+    {
+        const FailingAllocation failing(kSize - 2 * m_copy.m_nPartSize);  // a copy of the last part
+        ExpectFailed(14);
+    }
+    EXPECT_EQ(Count("PUT", "partNumber="), 2u);
+    EXPECT_EQ(Count("DELETE", "uploadId=u"), 1u);
+    EXPECT_EQ(m_store->CopyObject(&m_copy), 0);
+}
+
 TEST_F(CopyThroughFile, BuffersWithoutMemoryGive14) {
     ServeSource();
     ServeTarget();
