@@ -100,7 +100,7 @@ private:
                         const char* pszUploadId, unsigned char* pBuffer, uint32_t nPartSize,
                         uint64_t& nPartsTried);
     /// What each asynchronous call brings back, on a thread of the executor. Neither throws.
-    void HandleUploadPartAsync(MultiPartUploadState& state,
+    void HandleUploadPartAsync(MultiPartUploadState& state, const std::string& strRegion,
                                const Aws::S3::Model::UploadPartRequest& request,
                                const Aws::S3::Model::UploadPartOutcome& outcome);
     struct TransferHandleAsyncContext;

@@ -50,7 +50,7 @@ std::shared_ptr<Aws::IOStream> KeepBody(const CloudStoreMultiPartUploadContext& 
 void CountAnswer(MultiPartUploadState& state, const std::lock_guard<std::mutex>& /*held*/) {
     ++state.m_nPartsDone;
     if (state.m_bLastPartSubmitted && state.m_nPartsDone == state.m_nPartsSubmitted) {
-        state.m_cvPartsDone.notify_one();
+        state.m_cvPartsDone.notify_all();
     }
 }
 
@@ -86,9 +86,11 @@ int32_t AwsS3Store::DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pCo
     try {
         request.SetBody(KeepBody(*pContext, *pState));
         m_pClient->UploadPartAsync(
-            request, [this, pCalls = m_pCalls, pState](const Aws::S3::S3Client*, const auto& sent,
-                                                       const auto& outcome, const auto&) {
-                HandleUploadPartAsync(*pState, sent, outcome);
+            // The region is copied: a later Init may change the store's while the part is sent.
+            request,
+            [this, pCalls = m_pCalls, pState, strRegion = m_strRegion](
+                const Aws::S3::S3Client*, const auto& sent, const auto& outcome, const auto&) {
+                HandleUploadPartAsync(*pState, strRegion, sent, outcome);
                 pCalls->End();
             });
     } catch (const std::exception& failure) {
@@ -100,7 +102,7 @@ int32_t AwsS3Store::DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* pCo
     return 0;
 }
 
-void AwsS3Store::HandleUploadPartAsync(MultiPartUploadState& state,
+void AwsS3Store::HandleUploadPartAsync(MultiPartUploadState& state, const std::string& strRegion,
                                        const Aws::S3::Model::UploadPartRequest& request,
                                        const Aws::S3::Model::UploadPartOutcome& outcome) {
     if (!IsOpen(state)) {
@@ -118,7 +120,7 @@ void AwsS3Store::HandleUploadPartAsync(MultiPartUploadState& state,
         }
     } else {
         state.m_nLastError = Mirqos::StatusOf(outcome);
-        ModuleLog(&g_ModuleLog, 1, "Part Upload:[%s:%s:%s:%d] failed.", m_strRegion.c_str(),
+        ModuleLog(&g_ModuleLog, 1, "Part Upload:[%s:%s:%s:%d] failed.", strRegion.c_str(),
                   request.GetBucket().c_str(), request.GetKey().c_str(), request.GetPartNumber());
         ModuleLog(&g_ModuleLog, 1, "Part Upload:[%s].", outcome.GetError().GetMessage().c_str());
     }

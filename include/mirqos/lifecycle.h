@@ -31,7 +31,9 @@ MIRQOS_API std::int32_t UnInitCloudStoreContext();
 /// as std::bad_alloc. May be called from any thread.
 MIRQOS_API MIRQOSInterface* CreateCloudStoreInterface(CloudStoreContext* context);
 
-/// Destroys a store; null is ignored. No call on the store may be running.
+/// Destroys a store; null is ignored. No call on the store may be running. What was started
+/// asynchronously is waited for first, through all of its attempts: reads still deliver into their
+/// buffers. So not from DllMain, where the threads that would answer may be gone.
 MIRQOS_API void ReleaseCloudStoreInterface(MIRQOSInterface* store);
 
 }  // extern "C"

@@ -80,7 +80,7 @@ struct CloudStoreReadObjectContext {
 
     const char* m_pszKey = nullptr;
     /// Destination, with room for m_nReadLen bytes. An asynchronous read uses it until the wait
-    /// returns.
+    /// returns or, without one, until the store is released.
     unsigned char* m_pBuf = nullptr;
     const char* m_pszBucket = nullptr;
     /// Bytes asked for, at most the store's m_nBufferSize for a synchronous read. Not initialised.
@@ -109,7 +109,7 @@ struct CloudStoreCopyObjectContext {
     /// the copy looks it up in the configured bucket, whichever the source's is, and writes it back
     /// here.
     std::uint64_t m_nSrcSize = 0;
-    /// Bytes of one part of a large copy; 0: 8 MiB, written back here.
+    /// Provider type 6 only: bytes of one part of a large copy; 0: 8 MiB, written back here.
     std::uint64_t m_nPartSize = 0;
 };
 

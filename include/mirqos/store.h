@@ -9,7 +9,8 @@
 /// An object store. CreateCloudStoreInterface makes one, ReleaseCloudStoreInterface destroys it.
 ///
 /// Status: 0 is success. Otherwise it is the S3 SDK's error number for the failure, in the
-/// numbering of the SDK that the library was built with, or a code that the operation names. A
+/// numbering of the SDK that the library was built with, or a code that the operation names. The
+/// SDK's error with the number 0 (an incomplete signature) is reported as its unknown error. A
 /// failure of a request also writes lines to the module log with the service's message. No
 /// operation throws, except that an allocation failure may leave one as the allocator's exception.
 ///
@@ -52,7 +53,8 @@ public:
     virtual std::int32_t WriteObject(CloudStoreWriteObjectContext* context) = 0;
     /// Reads one byte range of an object. It uses the store's one work buffer, so calls on the same
     /// store wait for each other: read in parallel with one store for each thread, or with
-    /// ReadObjectAsync. Bytes from another place of the object than asked for are a failure.
+    /// ReadObjectAsync. Bytes from another place of the object than asked for are a failure, and so
+    /// are fewer than the answer itself says it has.
     virtual std::int32_t ReadObject(CloudStoreReadObjectContext* context) = 0;
     /// Starts one ranged read and returns; with a range that ends before it begins or a length of 0
     /// there is nothing to read, nor to wait for. The texts and the buffer that the record names
@@ -67,12 +69,15 @@ public:
     /// Copies an object with one request. With provider type 6 one larger than m_nPartSize goes
     /// through a temporary file of this machine instead. That can also fail with 14 (memory), 29 or
     /// 30 (the file or the object could not be written or read whole), 82 (no temporary file), 87
-    /// (the store's m_nBufferSize or the part size is not above 0) or an error of the system.
+    /// (the store's m_nBufferSize, or the low 32 bits of the part size as a signed number, is not
+    /// above 0) or an error of the system. Where the size had to be looked up and that failed, its
+    /// status is returned although the copy may have been made.
     virtual std::int32_t CopyObject(CloudStoreCopyObjectContext* context) = 0;
 
     /// Lists at most 1,000 objects under a prefix; m_bTruncated tells whether there are more, which
     /// ListObjectsSegmented lists. A key of 1,024 bytes ends the process. 14: no memory for the
-    /// result. Free it with ReleaseObjectData.
+    /// result. Free it with ReleaseObjectData. A request refused with the error numbered 0 ends the
+    /// listing with what came before and status 0.
     virtual std::int32_t ListObjects(CloudStoreListObjectConext* context) = 0;
     /// Lists one segment of the configured bucket, whatever bucket the record names (null fails),
     /// and hands back the token of the next. Otherwise as ListObjects.
@@ -84,7 +89,10 @@ public:
     /// Deletes a list of objects. A key with a control character other than tab and line ends,
     /// which the request's document cannot hold, may have the service refuse the whole list:
     /// DeleteObject takes such keys. 0 says that the service answered, not that each object is
-    /// gone: what it says of a single key is not looked at. Services take 1,000 keys at most.
+    /// gone: what it says of a single key is not looked at. Services take 1,000 keys at most. With
+    /// provider type 6 each object is asked for and deleted by itself: one for which the question
+    /// fails, for whatever reason, is passed over without a failure, and the first deletion that
+    /// fails ends the call with its status.
     virtual std::int32_t DeleteObjectsV2(CloudStoreDeleteObjectsContextV2* context) = 0;
 
     /// -1, without a line: no bucket is named. 110: the account has too many.
@@ -133,7 +141,8 @@ public:
     /// handed over for lack of memory; the finish then fails with 14.
     virtual std::int32_t DoMultiPartUploadAsync(CloudStoreMultiPartUploadContext* context) = 0;
     /// Waits for the parts sent with DoMultiPartUploadAsync, all of whose calls have returned, and
-    /// completes the upload, or gives the error of the part that failed last.
+    /// completes the upload, or gives the error of the part that failed last. One finish of either
+    /// kind for an upload.
     virtual std::int32_t FinishMultiPartUploadAsync(
         CloudStoreFinishMultiPartUploadContext* context) = 0;
     /// Gives an upload up; the service drops its parts. What the store keeps of the upload, bodies
