@@ -3,6 +3,7 @@
 import argparse
 import os
 import queue
+import select
 import shutil
 import signal
 import subprocess
@@ -78,6 +79,34 @@ class Program:
     def kill(self):
         self.process.kill()
         self.end()
+
+
+class Screen:
+    """The viewer on a terminal, which Wine shows it as a console."""
+
+    def __init__(self, *arguments):
+        import tty  # which Windows has not
+        self.own, terminal = os.openpty()
+        tty.setraw(terminal)
+        self.process = subprocess.Popen(RUNNER + [PROGRAM, *arguments], stdin=terminal,
+                                        stdout=terminal, stderr=subprocess.DEVNULL,
+                                        start_new_session=True,
+                                        env={**os.environ, "LC_ALL": "C.UTF-8", "TERM": "xterm"})
+        os.close(terminal)
+        self.seen = b""
+
+    def until(self, part):
+        while part.encode() not in self.seen:
+            assert select.select([self.own], [], [], LIMIT)[0], self.seen
+            self.seen += os.read(self.own, 4096)
+
+    def type(self, line):
+        os.write(self.own, (line + "\r").encode())
+
+    def close(self):
+        self.process.kill()
+        self.process.wait()
+        os.close(self.own)
 
 
 class Host(Program):
@@ -243,6 +272,19 @@ class LogView(unittest.TestCase):
         viewer.until("there is no such breakpoint")
         viewer.say("nonsense")
         self.assertIn("no command nonsense", viewer.next())
+
+    def test_takes_what_is_typed_on_a_terminal(self):
+        if not RUNNER:
+            self.skipTest("the system's terminals are not files")
+        screen = Screen(EXECUTABLE)
+        self.addCleanup(screen.close)
+        screen.until("watching")
+        screen.type("break Gr\u00f6\u00dfe")
+        screen.until("breakpoint 1 set")
+        screen.type("list")
+        screen.until('breakpoint 1: "Gr\u00f6\u00dfe" in ' + EXECUTABLE)
+        screen.type("quit")
+        self.assertEqual(screen.process.wait(LIMIT), 0)
 
     def test_refuses_what_does_not_fit_a_breakpoint_or_a_line(self):
         viewer = self.view()

@@ -52,6 +52,8 @@ endforeach()
 foreach(name command input lines objects table)
   target_link_libraries(unit.logview_${name} PRIVATE mirqos_log_view)
 endforeach()
+# the console is that of all programs
+target_link_libraries(unit.console PRIVATE mirqos_log_view)
 
 # It looks for the version of its own executable.
 add_library(unit.machine_facts_version OBJECT ${CMAKE_CURRENT_LIST_DIR}/machine_facts.rc)

@@ -29,11 +29,12 @@ constexpr unsigned kUsualColumns = 80;
 
 }  // namespace
 
-void WriteOutput(std::string_view text) {
+bool WriteOutput(std::string_view text) {
     const int error = Write(STDOUT_FILENO, text);
     if (error != 0 && error != EPIPE) {
         FailWith(error, "write", "standard output");
     }
+    return error == 0;
 }
 
 void WriteError(std::string_view text) {

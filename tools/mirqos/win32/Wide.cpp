@@ -27,4 +27,11 @@ std::string ToUtf8(std::wstring_view text) {
     return narrow;
 }
 
+std::size_t UnitsOfWholeCharacters(std::wstring_view text, std::size_t most) {
+    if (text.size() <= most) {
+        return text.size();
+    }
+    return IS_HIGH_SURROGATE(text[most - 1]) ? most - 1 : most;
+}
+
 }  // namespace Mirqos::Tool
