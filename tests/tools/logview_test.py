@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 
 LIMIT = 120  # seconds for anything that one case waits for, so that a hung program fails it
@@ -139,6 +140,18 @@ class LogView(unittest.TestCase):
         viewer = Program(PROGRAM, EXECUTABLE, *arguments)
         self.addCleanup(self.finish, viewer)
         viewer.until("watching " + EXECUTABLE)
+        return viewer
+
+    def unread_view(self, *arguments):
+        """A viewer whose reader is gone once it watches."""
+        reader, writer = os.pipe()
+        with os.fdopen(reader) as lines, os.fdopen(writer, "wb") as to:
+            viewer = subprocess.Popen(RUNNER + [PROGRAM, EXECUTABLE, *arguments],
+                                      stdin=subprocess.PIPE, stdout=to)
+            self.addCleanup(viewer.stdin.close)
+            self.addCleanup(viewer.kill)
+            to.close()
+            self.assertTrue(any(text.startswith("watching ") for text in lines))
         return viewer
 
     def finish(self, program):
@@ -329,6 +342,26 @@ class LogView(unittest.TestCase):
         host.log()
         host.done()  # its breakpoints are gone
         viewer.until(line(2))
+
+    def test_ends_when_the_reader_of_its_output_has_gone(self):
+        host = self.host()
+        viewer = self.unread_view("--break", "thread count")
+        host.log()
+        self.assertEqual(viewer.wait(LIMIT), 0)
+        host.done()  # and nobody holds it
+
+    def test_goes_on_without_a_reader_where_it_writes_a_file(self):
+        host = self.host()
+        path = os.path.join(self.folder, "lines.txt")
+        viewer = self.unread_view("--output", windows_path(path))
+        for _ in range(3):
+            host.log()
+            host.done()
+            time.sleep(0.5)  # they come one by one
+        viewer.communicate(b"quit\n", LIMIT)
+        self.assertEqual(viewer.returncode, 0)
+        with open(path) as file:
+            self.assertEqual(len(file.readlines()), 3)
 
     def test_tells_of_a_held_process_that_ends(self):
         host = self.host()

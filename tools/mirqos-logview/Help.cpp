@@ -21,7 +21,9 @@ What is shown:
   --color WHEN     auto (default: on a terminal), always or never
 
 Nobody waits for the viewer: an executable keeps its newest 1,024 lines. When they
-come faster than they can be shown, the viewer says how many were lost.
+come faster than they can be shown, the viewer says how many were lost. Where what
+reads its output has gone, the viewer ends with the next line it would show, unless
+it writes a file, too.
 
 Breakpoints:
   --break TEXT         stop threads at lines that contain TEXT, letter case included
@@ -45,7 +47,7 @@ on when the viewer ends, also when it is killed: then within 5 seconds.
   --version        print the version
 
 Exit codes:
-  0  ended with quit or Ctrl-C
+  0  ended with quit or Ctrl-C, or what reads its output has gone
   1  Windows refused or failed; the message has the system error
   2  the command line is wrong
   3  the output could not be written, to its file or the standard output

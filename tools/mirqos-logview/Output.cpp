@@ -1,5 +1,8 @@
 #include "tools/mirqos-logview/Output.h"
 
+#include <exception>
+#include <utility>
+
 #include "tools/mirqos-logview/RecordLine.h"
 #include "tools/mirqos/Console.h"
 
@@ -8,6 +11,14 @@ namespace Mirqos::LogView {
 Output::Output(const std::string& file, bool coloured) : m_coloured(coloured) {
     if (!file.empty()) {
         m_file.emplace(Tool::LocalFile::CreateNew(file));
+    }
+}
+
+Output::~Output() {
+    try {
+        Flush();
+    } catch (const std::exception&) {
+        // The program ends with an error already, or wrote all before.
     }
 }
 
@@ -23,19 +34,19 @@ void Output::Note(const std::string& text) {
 
 void Output::Answer(const std::string& text) {
     Flush();
-    Tool::WriteOutput(text);
+    m_isRead = m_isRead && Tool::WriteOutput(text);
 }
 
+// The file first: lines are taken from the channel but once, and the file is what stays.
 void Output::Flush() {
-    if (!m_shown.empty()) {
-        Tool::WriteOutput(m_shown);
-        m_shown.clear();
-    }
     if (!m_filed.empty()) {
-        m_file->WriteAt(m_end, reinterpret_cast<const unsigned char*>(m_filed.data()),
-                        m_filed.size());
-        m_end += m_filed.size();
-        m_filed.clear();
+        const std::string filed = std::exchange(m_filed, {});
+        m_file->WriteAt(m_end, reinterpret_cast<const unsigned char*>(filed.data()), filed.size());
+        m_end += filed.size();
+    }
+    if (!m_shown.empty()) {
+        const std::string shown = std::exchange(m_shown, {});
+        m_isRead = m_isRead && Tool::WriteOutput(shown);
     }
 }
 

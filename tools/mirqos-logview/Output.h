@@ -15,19 +15,27 @@ class Output {
 public:
     /// `file` is the name of a file that does not exist yet, or empty. Throws Tool::Failure.
     Output(const std::string& file, bool coloured);
+    /// What is still gathered goes out where it can.
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
     void Show(const NSDBG::CLogMessage& message);
     /// A line of the program's own about what it watches; goes to the file too.
     void Note(const std::string& text);
     /// An answer to what was typed, at once; not for the file.
     void Answer(const std::string& text);
-    /// Throws Tool::Failure when the file cannot be written.
+    /// Throws Tool::Failure when one of them cannot be written; what was meant for the other is not
+    /// lost by that.
     void Flush();
+    /// Whether lines still get anywhere: to a reader, as far as writing has shown, or to a file.
+    bool IsWanted() const { return m_isRead || m_file; }
 
 private:
     void Add(const std::string& shown, const std::string& filed);
 
     bool m_coloured;
+    bool m_isRead = true;
     std::string m_shown;
     std::string m_filed;
     std::optional<Tool::LocalFile> m_file;

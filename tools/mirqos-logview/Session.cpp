@@ -32,7 +32,7 @@ void Session::Run(HANDLE stop) {
     }
     constexpr DWORD kHitEvent = 2;
     ULONGLONG lastLook = 0;
-    while (!m_ended && WaitForSingleObject(stop, 0) == WAIT_TIMEOUT) {
+    while (!m_ended && m_output.IsWanted() && WaitForSingleObject(stop, 0) == WAIT_TIMEOUT) {
         const DWORD wait = WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(),
                                                   FALSE, kLookInterval);
         if (wait == WAIT_FAILED) {

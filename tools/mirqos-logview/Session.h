@@ -23,7 +23,8 @@ public:
     /// Announces the viewer and asks for the lines. Throws Failure.
     Session(const Command& command, Output& output);
 
-    /// Shows lines and does what is typed, until that is "quit" or `stop` is signalled.
+    /// Shows lines and does what is typed, until that is "quit", `stop` is signalled or the output
+    /// is no longer wanted.
     void Run(HANDLE stop);
 
 private:
