@@ -363,6 +363,27 @@ class LogView(unittest.TestCase):
         with open(path) as file:
             self.assertEqual(len(file.readlines()), 3)
 
+    def test_ends_while_commands_come_without_end(self):
+        viewer = Program(PROGRAM, EXECUTABLE)
+        self.addCleanup(self.finish, viewer)
+        viewer.until("watching")
+
+        def type_on():
+            try:
+                while True:
+                    os.write(viewer.process.stdin.fileno(), b"held\n" * 4096)
+            except OSError:
+                pass  # the viewer has ended
+
+        typist = threading.Thread(target=type_on, daemon=True)
+        typist.start()
+        for _ in range(200):
+            self.assertEqual(viewer.next(), "no thread is held")
+        viewer.process.send_signal(signal.SIGINT)
+        self.assertEqual(viewer.process.wait(LIMIT), 0)
+        typist.join(LIMIT)
+        viewer.end()
+
     def test_tells_of_a_held_process_that_ends(self):
         host = self.host()
         viewer = self.view("--break", "thread count")

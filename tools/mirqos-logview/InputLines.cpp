@@ -1,5 +1,6 @@
 #include "tools/mirqos-logview/InputLines.h"
 
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -11,17 +12,37 @@
 
 namespace Mirqos::LogView {
 
+namespace {
+
+constexpr std::size_t kMostLines = 64;
+
+}  // namespace
+
 struct InputLines::State {
     std::mutex mutex;
+    std::condition_variable taken;
     std::deque<std::string> lines;
-    LOGUTILS::KernelObject event{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+    LOGUTILS::KernelObject event{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
 
     void Add(std::string line) {
-        {
-            const std::lock_guard<std::mutex> lock(mutex);
-            lines.push_back(std::move(line));
-        }
+        std::unique_lock<std::mutex> lock(mutex);
+        taken.wait(lock, [this] { return lines.size() < kMostLines; });
+        lines.push_back(std::move(line));
         SetEvent(event.Get());
+    }
+
+    std::optional<std::string> Take() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (lines.empty()) {
+            return std::nullopt;
+        }
+        std::string line = std::move(lines.front());
+        lines.pop_front();
+        if (lines.empty()) {
+            ResetEvent(event.Get());
+        }
+        taken.notify_one();
+        return line;
     }
 
     void ReadAll() {
@@ -50,13 +71,7 @@ HANDLE InputLines::Event() const {
 }
 
 std::optional<std::string> InputLines::Next() const {
-    const std::lock_guard<std::mutex> lock(m_state->mutex);
-    if (m_state->lines.empty()) {
-        return std::nullopt;
-    }
-    std::string line = std::move(m_state->lines.front());
-    m_state->lines.pop_front();
-    return line;
+    return m_state->Take();
 }
 
 }  // namespace Mirqos::LogView

@@ -44,7 +44,8 @@ void Session::Run(HANDLE stop) {
             LookWhoIsHeld();
             lastLook = GetTickCount64();
         }
-        while (const auto line = m_ended ? std::nullopt : m_input.Next()) {
+        // one a round: more may come without end, and lines and `stop` have their turn in between
+        if (const auto line = m_input.Next()) {
             Do(ReadInputCommand(*line));
         }
         m_output.Flush();

@@ -49,7 +49,7 @@ target_compile_definitions(unit.sm_output PRIVATE MIRQOS_NARROW_WRITE_SLOT=${nar
 foreach(name block command edit report)
   target_link_libraries(unit.logctl_${name} PRIVATE mirqos_log_control)
 endforeach()
-foreach(name command input lines objects output table)
+foreach(name command input input_lines lines objects output table)
   target_link_libraries(unit.logview_${name} PRIVATE mirqos_log_view)
 endforeach()
 # the console is that of all programs
