@@ -18,13 +18,10 @@ std::mutex g_mutex;
 std::function<void()> g_onInterrupt;
 
 BOOL WINAPI Handle(DWORD) {
-    std::function<void()> onInterrupt;
-    {
-        const std::lock_guard<std::mutex> lock(g_mutex);
-        onInterrupt = g_onInterrupt;
-    }
-    if (onInterrupt) {
-        onInterrupt();
+    // under the lock: what the function uses stays until it has returned
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    if (g_onInterrupt) {
+        g_onInterrupt();
     }
     return TRUE;
 }
