@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <utility>
 #include <vector>
 
@@ -53,7 +54,7 @@ BreakpointTable::BreakpointTable()
 BreakpointTable::~BreakpointTable() {
     try {
         FreeAll();
-    } catch (const Failure&) {
+    } catch (const std::exception&) {
         // The threads are free within 5 seconds all the same.
     }
 }

@@ -8,6 +8,7 @@
 #include "log/dbg/win32/CSMOutput.h"
 #include "log/dbg/win32/ViewerNames.h"
 #include "log/dbg/win32/WindowsCalls.h"
+#include "tests/support/FailingAllocation.h"
 #include "tests/support/Gate.h"
 #include "tests/support/win32/CallSpy.h"
 #include "tests/support/win32/HeldWriter.h"
@@ -285,6 +286,15 @@ TEST_F(LogViewObjectsTest, EndOfTheTableFreesWhomItHolds) {
     ASSERT_EQ(WaitForSingleObject(held->HitEvent(), 30000), WAIT_OBJECT_0);
     held.reset();
     EXPECT_TRUE(writer.WaitUntilDone());
+}
+
+TEST_F(LogViewObjectsTest, EndOfTheTableIsQuietWithoutMemory) {
+    auto table = std::make_unique<BreakpointTable>();
+    Mirqos::Test::BreakpointBoard raw;
+    raw.Table().SetNumber(Mirqos::Test::BreakpointBytes::HitAt(5), 1);
+    const Mirqos::Test::FailingAllocation full(sizeof(LOGUTILS::LogHit));  // of a list of hits
+    table.reset();
+    EXPECT_FALSE(raw.Table().IsFree(5));
 }
 
 TEST_F(LogViewObjectsTest, ATableThatSomebodyHoldsEndsTheProgram) {

@@ -26,7 +26,7 @@ endif()
 set_property(TEST unit.sm_output unit.breakpoint_hold unit.logview_objects APPEND PROPERTY
              RESOURCE_LOCK log_viewer)
 
-foreach(name file_output_memory log_config share_memory sm_output)
+foreach(name file_output_memory log_config logview_objects share_memory sm_output)
   target_link_libraries(unit.${name} PRIVATE mirqos_failing_allocation)
 endforeach()
 
