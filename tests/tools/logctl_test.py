@@ -207,7 +207,7 @@ class LogControl(unittest.TestCase):
                           ("set-level", self.pid, MODULE, "100"),
                           ("set-level", self.pid, MODULE, "-1"),
                           ("set-path", self.pid, MODULE, "relative.Log"),
-                          ("set-path", self.pid, MODULE, "C:\\" + 509 * "x"),
+                          ("set-path", self.pid, MODULE, "C:\\" + 244 * "x"),
                           ("follow", self.pid, MODULE, "both"),
                           ("list", "--all"), ("show", self.pid, "--wrong")):
             self.assertIn("--help", self.fail_with(2, *arguments))

@@ -20,6 +20,11 @@ using Tool::ToWide;
 
 namespace {
 
+// Windows opens files with paths of up to 259 characters unless their process lifts the limit, and
+// the name of a file's successor may have 13 more: ".00000001.log".
+constexpr std::size_t kLongestPath = 259 - 13;
+static_assert(kLongestPath < LOGUTILS::kPathRoom);
+
 enum class Operand { None, Level, Path, Flag };
 
 struct Form {
@@ -114,8 +119,9 @@ WideString ReadPath(const std::string& text) {
     if (std::any_of(path.begin(), path.end(), IsForbidden)) {
         Refuse("a path cannot have control characters or any of < > \" | ? *");
     }
-    if (path.size() >= LOGUTILS::kPathRoom) {
-        Refuse("a path has at most " + std::to_string(LOGUTILS::kPathRoom - 1) + " characters");
+    if (path.size() > kLongestPath) {
+        Refuse("a path has at most " + std::to_string(kLongestPath) +
+               " characters, so that Windows also opens the files that follow it");
     }
     return path;
 }

@@ -33,7 +33,7 @@ struct Command {
     std::uint32_t processId = 0;
     std::optional<LOGUTILS::WideString> module;  ///< nothing: all modules
     std::int32_t level = LOGUTILS::kNoLevel;     ///< of SetLevel
-    LOGUTILS::WideString path;                   ///< of SetPath: a full path that fits the block
+    LOGUTILS::WideString path;                   ///< of SetPath: a full path that can be opened
     std::uint32_t flag = 0;                      ///< of Follow and Unfollow: a bit of m_dwFlags
 };
 

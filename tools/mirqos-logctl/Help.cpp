@@ -22,7 +22,8 @@ Commands:
   unfollow PID MODULE|--all path|level go by the module's own
 
 MODULE is the file name of a library or executable, letter case aside. PATH is the
-full path of a file. A command that changes something shows the block afterwards.
+full path of a file, of at most 246 characters. A command that changes something
+shows the block afterwards.
 
 One and all:
   Beside each module's own level and path there are one level and one path of all
