@@ -16,8 +16,11 @@ namespace NSDBG {
 /// new one begins with a header. docs/formats.md describes what stands in it.
 ///
 /// The file is opened by the first line and stays open. A line that cannot be written is lost, with
-/// a word to the trace, and the next one tries everything again. A line waits at most 5 seconds for
-/// other writers of the file.
+/// a word to the trace, and the next one tries again to open the block, the file and its mutex. A
+/// line waits at most 5 seconds for other writers of the file.
+///
+/// The output registers in the block once, when it is made. One that found no block then has no
+/// file until another output registers the same name or there is a path of all modules.
 class CFileOutput final : public IDBGLogOutput {
 public:
     CFileOutput();
