@@ -251,6 +251,105 @@ TEST(Transport, ARefusalIsDeliveredEvenIfTheServerHasHungUp) {
     EXPECT_EQ(answer.body, "stop!");
 }
 
+std::string EarlySuccess(const std::string& ending) {
+    return "HTTP/1.1 200 OK\r\nETag: \"e\"\r\nContent-Length: 0\r\n" + ending + "\r\n";
+}
+
+TEST(Transport, ASuccessBeforeTheWholeBodyIsSentIsAFailure) {
+    for (const char* const ending : {"", "Connection: close\r\n"}) {
+        RawServer server([&](Connection& connection, int) {
+            connection.ReadHead();
+            connection.Send(EarlySuccess(ending));
+            connection.Skip(1024 * 1024);
+            connection.Close();
+        });
+        constexpr std::uint64_t size = 32 * 1024 * 1024;
+        LongStream body(size);
+        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+        request.body = &body;
+        request.bodyLength = size;
+        KeptAnswer answer;
+        const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+        EXPECT_EQ(result.failure, Failure::send) << ending << answer.head.status;
+        EXPECT_NE(result.message, "");
+    }
+}
+
+TEST(Transport, ASuccessFromAServerThatHasHungUpIsAFailure) {
+    for (const char* const ending : {"", "Connection: close\r\n"}) {
+        Gate hungUp;
+        RawServer server([&](Connection& connection, int) {
+            connection.ReadHead();
+            connection.Send(EarlySuccess(ending));
+            connection.Reset();
+            hungUp.Open();
+        });
+        const std::string sent(4 * 1024 * 1024, 's');
+        TellingBuffer buffer(sent, [&] { hungUp.Pass(); });
+        std::istream body(&buffer);
+        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+        request.body = &body;
+        request.bodyLength = sent.size();
+        KeptAnswer answer;
+        const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+        EXPECT_EQ(result.failure, Failure::send) << ending << answer.head.status;
+        EXPECT_NE(result.message, "");
+    }
+}
+
+TEST(Transport, WhatWasSentOnAConnectionThatWasReplacedDoesNotCount) {
+    constexpr std::uint64_t mebibyte = 1024 * 1024;
+    constexpr std::uint64_t size = 32 * mebibyte;
+    RawServer server([&](Connection& connection, int number) {
+        connection.ReadHead();
+        connection.Send(EarlySuccess(""));
+        if (number == 0) {
+            connection.ReadHead();
+            connection.Skip(size - mebibyte);
+        } else {
+            connection.Skip(2 * mebibyte);
+        }
+        connection.Close();
+    });
+    const auto transport = NewTransport(1);
+    KeptAnswer first;
+    EXPECT_EQ(
+        transport->Exchange(LoopbackRequest(server.Port(), "GET", "/b/k"), Ample(), first).failure,
+        Failure::none);
+    LongStream body(size);
+    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+    request.body = &body;
+    request.bodyLength = size;
+    KeptAnswer answer;
+    const Http::Result result = transport->Exchange(request, Ample(), answer);
+    EXPECT_EQ(result.failure, Failure::send) << answer.head.status;
+    EXPECT_EQ(server.Accepts(), 2);
+}
+
+TEST(Transport, AnEarlySuccessIsOneOnceTheBodyIsSent) {
+    constexpr std::uint64_t sizes[] = {0, 1, 3 * 1024 * 1024, 0, 70'000};
+    RawServer server([&](Connection& connection, int) {
+        for (const std::uint64_t size : sizes) {
+            connection.ReadHead();
+            connection.Send(EarlySuccess(""));
+            connection.Skip(size);
+        }
+        connection.AwaitClose();
+    });
+    const auto transport = NewTransport(1);
+    for (const std::uint64_t size : sizes) {
+        LongStream body(size);
+        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+        request.body = &body;
+        request.bodyLength = size;
+        KeptAnswer answer;
+        const Http::Result result = transport->Exchange(request, Ample(), answer);
+        EXPECT_EQ(result.failure, Failure::none) << size << ": " << result.message;
+        EXPECT_EQ(answer.head.status, 200);
+    }
+    EXPECT_EQ(server.Accepts(), 1);
+}
+
 TEST(Transport, AHeadAnswerHasNoBodyAndKeepsTheConnection) {
     RawServer server(Always("HTTP/1.1 200 OK\r\nContent-Length: 123456\r\nETag: \"e\"\r\n\r\n"));
     const auto transport = NewTransport();

@@ -123,6 +123,28 @@ TEST_F(PutObjectAnswers, AnEarlyRefusalOfALargeBodyIsReportedAsWhatItIs) {
     EXPECT_EQ(Write(*store, "k", "v"), 0);
 }
 
+TEST_F(PutObjectAnswers, ASuccessBeforeTheBodyIsSentIsTriedAgainAndNeverBelieved) {
+    if (!kBundledSdk) {
+        GTEST_SKIP() << "an installed SDK may believe it";
+    }
+    const std::string body(16 * 1024 * 1024, 'x');
+    const Answer early = Answer::Status(200).Header("ETag", "\"1\"").AfterRequestBytes(1000);
+    for (Answer answer : {early, Answer(early).ConnectionClose()}) {
+        m_log.Clear();
+        answer.Close(Place::RequestByte(100'000));
+        m_server.Next(answer);
+        m_server.Next(Answer::Status(200));
+        const auto store = MakeStore();
+        EXPECT_EQ(Write(*store, "k", body), 0);
+        EXPECT_TRUE(m_server.Requests().back().body == body);
+        for (int attempt = 0; attempt <= 10; ++attempt) {
+            m_server.Next(answer);
+        }
+        ExpectWriteFailed(Write(*store, "k", body), Aws::S3::S3Errors::NETWORK_CONNECTION, "k",
+                          testing::Not(testing::IsEmpty()));
+    }
+}
+
 TEST_F(PutObjectAnswers, ASuccessWithAPageForPeopleIsAFailure) {
     if (!kBundledSdk) {
         GTEST_SKIP() << "an installed SDK does not look into it";

@@ -30,7 +30,7 @@ public:
     /// transport, which may be a C library.
     void RethrowIfFailed() const;
 
-    bool IsSuccess() const { return m_head.status >= 200 && m_head.status <= 299; }
+    bool IsSuccess() const { return m_head.IsSuccess(); }
     /// Status 0 before any head.
     Http::ResponseHead& Head() { return m_head; }
     const Http::ResponseHead& Head() const { return m_head; }

@@ -46,6 +46,8 @@ struct Limits {
 struct ResponseHead {
     int status = 0;
     HeaderList headers;
+
+    bool IsSuccess() const { return status >= 200 && status <= 299; }
 };
 
 /// Where an answer goes. Called on the thread that called Exchange.
@@ -67,7 +69,7 @@ enum class Failure {
     connect,   ///< refused, unreachable or not connected within Limits::connect
     tls,       ///< handshake or certificate refused; no request line has left
     timeout,   ///< Limits::stall passed
-    send,      ///< the connection broke while sending
+    send,      ///< the connection broke, or a success was reported, before the body was sent
     receive,   ///< the connection broke, or the answer is not HTTP or exceeds a bound
     truncated  ///< the body ended before its Content-Length or its last chunk
 };

@@ -290,7 +290,14 @@ Result EasyExchange::Run(bool fresh) {
     long made = 0;
     curl_easy_getinfo(m_slot.easy, CURLINFO_NUM_CONNECTS, &made);
     m_reused = m_connected && made == 0;
-    return Conclude();
+    curl_easy_getinfo(m_slot.easy, CURLINFO_SIZE_UPLOAD_T, &m_sent);
+    Result result = Conclude();
+    if (result.failure == Failure::none && m_head.Head().IsSuccess() &&
+        static_cast<std::uint64_t>(m_sent) < m_body.Length()) {
+        // a refusal can come early, but nobody can have taken what was not sent
+        return {Failure::send, "the answer reports a success too early, " + Sent()};
+    }
+    return result;
 }
 
 bool EasyExchange::WasStale() const {
@@ -304,17 +311,17 @@ std::string EasyExchange::Words(CURLcode code) const {
     return words + " (libcurl error " + std::to_string(static_cast<int>(code)) + ')';
 }
 
+std::string EasyExchange::Sent() const {
+    return std::to_string(m_sent) + " of " + std::to_string(m_body.Length()) + " body bytes sent";
+}
+
 Result EasyExchange::Conclude() {
-    const auto sent = [this] {
-        return std::to_string(m_sent) + " of " + std::to_string(m_body.Length()) +
-               " body bytes sent";
-    };
     if (m_timedOut) {
         const char* const doing = m_ledger             ? "while receiving the answer's body"
                                   : m_body.Left() != 0 ? "while sending"
                                                        : "while waiting for the answer's head";
         return {Failure::timeout, "nothing moved for " + std::to_string(m_limits.stall.count()) +
-                                      " ms " + doing + ", " + sent()};
+                                      " ms " + doing + ", " + Sent()};
     }
     switch (m_stop) {
         case Stop::enough:
@@ -322,7 +329,7 @@ Result EasyExchange::Conclude() {
         case Stop::refusedHead:
             return {Failure::receive, m_head.Error()};
         case Stop::bodyShort:
-            return {Failure::send, "the request's body ended early, " + sent()};
+            return {Failure::send, "the request's body ended early, " + Sent()};
         case Stop::none:
         case Stop::threw:
             break;

@@ -50,6 +50,8 @@ private:
     /// Delivers a whole answer found unread in a connection that broke while sending.
     bool DeliverUnread();
     std::string Words(CURLcode code) const;
+    /// How much of the body was sent, for a log line.
+    std::string Sent() const;
 
     std::size_t OnHeader(std::string_view line);
     std::size_t OnData(const char* data, std::size_t size);

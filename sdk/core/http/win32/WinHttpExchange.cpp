@@ -234,8 +234,12 @@ Result WinHttpExchange::Run() {
         return result;
     }
     result = ReceiveHead();
+    // a refusal can come early, but nobody can have taken what was not sent
+    if (m_sendFailure && (result.failure != Failure::none || m_head.Head().IsSuccess())) {
+        return *m_sendFailure;
+    }
     if (result.failure != Failure::none) {
-        return m_sendFailure ? *m_sendFailure : result;
+        return result;
     }
     if (m_receiver.OnHead(m_head.Head()) == Receiver::Want::enough) {
         return {};
