@@ -118,6 +118,20 @@ TEST(S3Answers, FactoryWithoutAStreamFailsTheCall) {
               client.GetObject(request).GetError().GetErrorType());
 }
 
+TEST(S3Answers, AStreamWithoutItsBufferFailsTheCall) {
+    ScriptedNetwork network({Reply(200, "bytes")});
+    GetObjectRequest request = Get();
+    request.SetResponseStreamFactory([]() -> Aws::IOStream* {
+        return Aws::New<DefaultUnderlyingStream>("test", Aws::UniquePtr<std::streambuf>());
+    });
+
+    const auto outcome = S3Client(kCredentials, Configuration()).GetObject(request);
+
+    ASSERT_FALSE(outcome.IsSuccess());
+    EXPECT_EQ(S3Errors::INVALID_PARAMETER_VALUE, outcome.GetError().GetErrorType());
+    EXPECT_THAT(network.Requests(), SizeIs(1));
+}
+
 TEST(S3Answers, WhatTheFactoryThrowsReachesTheCaller) {
     ScriptedNetwork network({Reply(200, "bytes")});
     GetObjectRequest request = Get();

@@ -30,6 +30,10 @@ Http::Receiver::Want ResponseReceiver::OnHead(const Http::ResponseHead& head) {
                 return Want::enough;
             }
             m_stream.emplace([stream] { return stream; });
+            if (stream->rdbuf() == nullptr) {
+                m_stream.reset();  // there was no memory for its buffer
+                return Want::enough;
+            }
         }
         return Want::more;
     });

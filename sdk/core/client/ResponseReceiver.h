@@ -38,7 +38,8 @@ public:
     const std::string& Text() const { return m_text; }
     /// Whether that body is longer than can be read.
     bool TextExceedsBound() const { return m_textExceedsBound; }
-    /// Set for a success of ResponseKind::stream, unless the factory made none.
+    /// Set for a success of ResponseKind::stream, unless the factory made none or one without a
+    /// buffer.
     std::optional<Aws::Utils::Stream::ResponseStream>& Stream() { return m_stream; }
     std::uint64_t BodyBytes() const { return m_bodyBytes; }
 
