@@ -10,6 +10,7 @@
 #include "sdk/core/Seam.h"
 #include "sdk/core/client/OutgoingBody.h"
 #include "sdk/core/client/Text.h"
+#include "sdk/core/crypto/Hash.h"
 #include "sdk/core/http/Ascii.h"
 #include "sdk/core/http/RequestBody.h"
 #include "sdk/core/util/UrlEncode.h"
@@ -134,6 +135,18 @@ Pipeline::Pipeline(const Aws::Auth::AWSCredentials& credentials,
 
 Pipeline::Outcome Pipeline::Run(const Aws::AmazonWebServiceRequest& request,
                                 const WireRequest& wire, const Destination& destination) const {
+    try {
+        return RunAttempts(request, wire, destination);
+    } catch (const Crypto::Error& refused) {
+        AWS_LOGSTREAM_ERROR(kLogTag, request.GetServiceRequestName()
+                                         << " cannot be signed: " << refused.what());
+        return Outcome(MakeError(CoreErrors::INTERNAL_FAILURE, "", refused.what(), false));
+    }
+}
+
+Pipeline::Outcome Pipeline::RunAttempts(const Aws::AmazonWebServiceRequest& request,
+                                        const WireRequest& wire,
+                                        const Destination& destination) const {
     Call call(request, wire, destination);
     if (const std::optional<Error> error = Prepare(call)) {
         AWS_LOGSTREAM_ERROR(kLogTag, request.GetServiceRequestName()

@@ -57,6 +57,9 @@ public:
 private:
     struct Call;
 
+    /// May throw Crypto::Error besides.
+    Outcome RunAttempts(const Aws::AmazonWebServiceRequest& request, const WireRequest& wire,
+                        const Destination& destination) const;
     Outcome Attempt(Call& call) const;
     Outcome Judge(const Call& call, ResponseReceiver& receiver) const;
     /// Reads a successful answer's document into `document`, or tells why it is no success.

@@ -4,16 +4,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 /// Digests over the system's own cryptography: BCrypt in win32/, OpenSSL in posix/. Every function
 /// may be called from any number of threads at once; one hash object belongs to one thread. All of
-/// them throw std::runtime_error where the system refuses the algorithm and std::bad_alloc where
-/// memory is short.
+/// them throw Error where the system refuses the algorithm and std::bad_alloc where memory is
+/// short.
 namespace Mirqos::Crypto {
 
 using Sha256Digest = std::array<std::uint8_t, 32>;
 using Md5Digest = std::array<std::uint8_t, 16>;
+
+/// What the system says when it refuses, a system restricted to approved algorithms to MD5 for one.
+class Error : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 enum class Algorithm { md5, sha256 };
 

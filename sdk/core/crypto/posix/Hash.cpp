@@ -5,14 +5,13 @@
 #include <openssl/params.h>
 
 #include <new>
-#include <stdexcept>
 
 namespace Mirqos::Crypto {
 namespace {
 
 const EVP_MD* Require(EVP_MD* digest, const char* name) {
     if (digest == nullptr) {
-        throw std::runtime_error(std::string("OpenSSL offers no ") + name);
+        throw Error(std::string("OpenSSL offers no ") + name);
     }
     return digest;
 }
@@ -30,7 +29,7 @@ const EVP_MD* DigestOf(Algorithm algorithm) {
 
 void Check(int result) {
     if (result != 1) {
-        throw std::runtime_error("OpenSSL could not compute a digest");
+        throw Error("OpenSSL could not compute a digest");
     }
 }
 
@@ -39,14 +38,14 @@ void Check(int result) {
 const EVP_MAC_CTX* KeylessHmac() {
     static const EVP_MAC_CTX* const keyless = [] {
         EVP_MAC* const hmac = EVP_MAC_fetch(nullptr, "HMAC", nullptr);
-        EVP_MAC_CTX* const context = EVP_MAC_CTX_new(hmac);
+        EVP_MAC_CTX* const context = hmac != nullptr ? EVP_MAC_CTX_new(hmac) : nullptr;
         EVP_MAC_free(hmac);  // the context holds it
         char name[] = "SHA2-256";
         const OSSL_PARAM parameters[] = {
             OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, name, 0),
             OSSL_PARAM_construct_end()};
         if (context == nullptr || EVP_MAC_CTX_set_params(context, parameters) != 1) {
-            throw std::runtime_error("OpenSSL offers no HMAC-SHA256");
+            throw Error("OpenSSL offers no HMAC-SHA256");
         }
         return context;
     }();
@@ -80,7 +79,7 @@ void HashState::Update(const void* data, std::size_t size) {
 
 void HashState::Finish(std::uint8_t* digest, std::size_t size) {
     if (size != static_cast<std::size_t>(EVP_MD_CTX_size(m_impl->context))) {
-        throw std::runtime_error("wrong room for a digest");
+        throw Error("wrong room for a digest");
     }
     Check(EVP_DigestFinal_ex(m_impl->context, digest, nullptr));
 }
@@ -100,7 +99,7 @@ Sha256Digest HmacSha256(const void* key, std::size_t keySize, const void* data, 
     std::size_t written = 0;
     Check(EVP_MAC_final(context.get(), digest.data(), &written, digest.size()));
     if (written != digest.size()) {
-        throw std::runtime_error("OpenSSL could not compute an HMAC");
+        throw Error("OpenSSL could not compute an HMAC");
     }
     return digest;
 }

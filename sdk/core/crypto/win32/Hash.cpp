@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <new>
-#include <stdexcept>
 
 namespace Mirqos::Crypto {
 namespace {
@@ -18,8 +17,7 @@ void Check(NTSTATUS status) {
         throw std::bad_alloc();
     }
     if (status < 0) {
-        throw std::runtime_error("BCrypt could not compute a digest, status " +
-                                 std::to_string(status));
+        throw Error("BCrypt could not compute a digest, status " + std::to_string(status));
     }
 }
 
@@ -55,7 +53,7 @@ class HashHandle {
 public:
     HashHandle(BCRYPT_ALG_HANDLE provider, const void* secret, std::size_t secretSize) {
         if (secretSize > kMaxPiece) {
-            throw std::runtime_error("HMAC key too long");
+            throw Error("HMAC key too long");
         }
         Check(BCryptCreateHash(provider, &m_handle, nullptr, 0, Input(secret),
                                static_cast<ULONG>(secretSize), 0));
