@@ -135,6 +135,14 @@ TEST(S3Errors, BodyThatIsNoErrorDocumentLeavesTheStatusToDecide) {
     }
 }
 
+TEST(S3Errors, BlanksBeforeTheDocumentArePassedOver) {
+    const std::string document =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Error><Code>NoSuchKey</Code></Error>";
+    for (const char* const blanks : {"\n", " \t\r\n  "}) {
+        EXPECT_EQ(S3Errors::NO_SUCH_KEY, ErrorOf(404, blanks + document).GetErrorType());
+    }
+}
+
 TEST(S3Errors, WrappedErrorDocumentIsUnderstood) {
     EXPECT_EQ(S3Errors::NO_SUCH_KEY,
               ErrorOf(404,

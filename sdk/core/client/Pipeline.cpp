@@ -326,16 +326,13 @@ std::optional<Error> Pipeline::ReadDocument(const WireRequest& wire,
     if (receiver.TextExceedsBound()) {
         return DocumentError("The answer is larger than can be read.");
     }
-    // A service that works long on an answer sends white space to keep the connection alive.
-    const std::string& text = receiver.Text();
-    const std::size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+    const std::string_view text = WithoutLeadingBlanks(receiver.Text());
     const bool expected = wire.response == ResponseKind::xml;
-    if (start == text.size() && !expected) {
+    if (text.empty() && !expected) {
         return std::nullopt;
     }
     std::string parseError;
-    std::optional<Xml::Document> parsed =
-        Xml::Parse(text.data() + start, text.size() - start, parseError);
+    std::optional<Xml::Document> parsed = Xml::Parse(text.data(), text.size(), parseError);
     if (!parsed) {
         return DocumentError(parseError);
     }

@@ -101,15 +101,17 @@ bool IsRetryableStatus(int status) {
            (status >= 500 && status <= 599 && status != 501 && status != 505);
 }
 
-Error ErrorFromAnswer(int status, const std::string& body, ErrorLookup service) {
+Error ErrorFromAnswer(int status, std::string_view body, ErrorLookup service) {
     const std::string statusText = std::to_string(status);
-    if (body.empty()) {
+    const std::string_view document = WithoutLeadingBlanks(body);
+    if (document.empty()) {
         return MakeError(TypeFromStatus(status), "",
                          "No response body. Response code: " + statusText,
                          IsRetryableStatus(status));
     }
     std::string parseError;
-    const std::optional<Xml::Document> parsed = Xml::Parse(body.data(), body.size(), parseError);
+    const std::optional<Xml::Document> parsed =
+        Xml::Parse(document.data(), document.size(), parseError);
     const Xml::Element error = parsed ? FindErrorElement(parsed->Root()) : Xml::Element();
     if (error.TextOf("Code").empty()) {
         return MakeError(TypeFromStatus(status), "",

@@ -31,7 +31,7 @@ bool IsRetryableStatus(int status);
 /// The error of an answer that is not a success. With an error document, type and message are the
 /// document's; a code that neither `service` nor the core knows becomes UNKNOWN with a message that
 /// quotes it. Without one (the answer to a HEAD, a proxy's HTML page) the status decides.
-Error ErrorFromAnswer(int status, const std::string& body, ErrorLookup service);
+Error ErrorFromAnswer(int status, std::string_view body, ErrorLookup service);
 
 /// The error that the document `code`, `message` reports under `status`.
 Error ErrorFromCode(int status, std::string_view code, std::string_view message,
