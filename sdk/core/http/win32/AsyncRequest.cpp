@@ -24,6 +24,11 @@ private:
 
 }  // namespace
 
+DWORD ErrorOf(BOOL succeeded) {
+    const DWORD error = succeeded ? ERROR_SUCCESS : GetLastError();
+    return succeeded || error != ERROR_SUCCESS ? error : ERROR_WINHTTP_INTERNAL_ERROR;
+}
+
 /// Shared by the waiting thread and WinHTTP's; WinHTTP's share ends with the handle.
 struct AsyncRequest::State {
     SRWLOCK lock = SRWLOCK_INIT;
@@ -56,10 +61,11 @@ AsyncRequest::AsyncRequest(InternetHandle request)
     : m_state(std::make_shared<State>()), m_handle(std::move(request)) {
     auto share = std::make_unique<std::shared_ptr<State>>(m_state);
     DWORD_PTR context = reinterpret_cast<DWORD_PTR>(share.get());
-    if (WinHttpSetOption(m_handle.get(), WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof(context))) {
+    m_state->error = ErrorOf(
+        WinHttpSetOption(m_handle.get(), WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof(context)));
+    if (m_state->error == ERROR_SUCCESS) {
         static_cast<void>(share.release());  // OnStatus frees it when the handle closes
     } else {
-        m_state->error = GetLastError();
         m_handle.reset();
     }
 }
@@ -133,13 +139,13 @@ void AsyncRequest::Begin() {
 
 AsyncRequest::Outcome AsyncRequest::Finish(BOOL started,
                                            Clock::time_point (*deadline)(const State&)) {
-    const DWORD error = started ? ERROR_SUCCESS : GetLastError();
+    const DWORD error = ErrorOf(started);
     State& state = *m_state;
     bool late = false;
     {
         const SrwLock lock(state.lock);
         if (!started && error != ERROR_IO_PENDING) {
-            state.error = error != ERROR_SUCCESS ? error : ERROR_WINHTTP_INTERNAL_ERROR;
+            state.error = error;
             state.finished = true;
         }
         while (!state.finished && !late) {

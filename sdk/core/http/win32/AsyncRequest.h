@@ -10,6 +10,10 @@
 
 namespace Mirqos::Http {
 
+/// Asked right after a WinHTTP call that did or did not succeed: ERROR_SUCCESS or why not, also
+/// where the system does not say.
+DWORD ErrorOf(BOOL succeeded);
+
 /// A WinHTTP handle.
 struct CloseInternet {
     using pointer = HINTERNET;

@@ -42,7 +42,7 @@ public:
         m_session.reset(WinHttpOpen(nullptr, WINHTTP_ACCESS_TYPE_NO_PROXY, WINHTTP_NO_PROXY_NAME,
                                     WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
         if (!m_session || !AsyncRequest::Listen(m_session.get())) {
-            m_error = GetLastError();
+            m_error = ErrorOf(false);
             m_session.reset();
             return;
         }
@@ -51,8 +51,11 @@ public:
                               sizeof(protocols))) {
             // before TLS 1.3 came to the system
             protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
-            WinHttpSetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols,
-                             sizeof(protocols));
+            m_error = ErrorOf(WinHttpSetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS,
+                                               &protocols, sizeof(protocols)));
+            if (m_error != ERROR_SUCCESS) {
+                m_session.reset();  // an older one is not to be spoken
+            }
         }
     }
 

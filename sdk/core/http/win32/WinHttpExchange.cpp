@@ -10,8 +10,8 @@
 namespace Mirqos::Http {
 namespace {
 
-bool SetNumber(HINTERNET handle, DWORD option, DWORD value) {
-    return WinHttpSetOption(handle, option, &value, sizeof(value)) != FALSE;
+DWORD SetNumber(HINTERNET handle, DWORD option, DWORD value) {
+    return ErrorOf(WinHttpSetOption(handle, option, &value, sizeof(value)));
 }
 
 /// WinHTTP's own limits stay behind ours, so that ours decide; they end what was given up.
@@ -42,8 +42,8 @@ DWORD WinHttpExchange::Open() {
     const std::wstring host = Widen(elsewhere ? m_request.connectHost : m_request.host);
     m_connection.reset(WinHttpConnect(m_session, host.c_str(),
                                       elsewhere ? m_request.connectPort : m_request.port, 0));
-    if (!m_connection) {
-        return GetLastError();
+    if (const DWORD error = ErrorOf(m_connection != nullptr); error != ERROR_SUCCESS) {
+        return error;
     }
     // the target goes out as it stands
     const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
@@ -53,50 +53,59 @@ DWORD WinHttpExchange::Open() {
     InternetHandle request(WinHttpOpenRequest(m_connection.get(), method.c_str(), target.c_str(),
                                               L"HTTP/1.1", WINHTTP_NO_REFERER,
                                               WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
-    if (!request || !SetOptions(request.get()) || !AddHeaders(request.get())) {
-        return GetLastError();
+    DWORD error = ErrorOf(request != nullptr);
+    if (error == ERROR_SUCCESS) {
+        error = SetOptions(request.get());
+    }
+    if (error == ERROR_SUCCESS) {
+        error = AddHeaders(request.get());
+    }
+    if (error != ERROR_SUCCESS) {
+        return error;
     }
     m_async.emplace(std::move(request));
     return m_async->Error();
 }
 
-bool WinHttpExchange::SetOptions(HINTERNET request) const {
+DWORD WinHttpExchange::SetOptions(HINTERNET request) const {
     const int connect = Behind(m_limits.connect);
     const int stall = Behind(m_limits.stall);
-    bool set = WinHttpSetTimeouts(request, connect, connect, stall, stall) != FALSE &&
-               SetNumber(request, WINHTTP_OPTION_DISABLE_FEATURE,
-                         WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS |
-                             WINHTTP_DISABLE_AUTHENTICATION);
+    DWORD error = ErrorOf(WinHttpSetTimeouts(request, connect, connect, stall, stall));
+    if (error == ERROR_SUCCESS) {
+        error = SetNumber(
+            request, WINHTTP_OPTION_DISABLE_FEATURE,
+            WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_AUTHENTICATION);
+    }
     // systems without these options have no such bound; the answer is checked again later
     SetNumber(request, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, static_cast<DWORD>(stall));
     SetNumber(request, WINHTTP_OPTION_MAX_RESPONSE_HEADER_SIZE, kMaxHeadBytes);
     if (m_request.https) {
         WinHttpSetOption(request, WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
                          WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
-        if (!m_options.verifyCertificates) {
-            set = set && SetNumber(request, WINHTTP_OPTION_SECURITY_FLAGS,
-                                   SECURITY_FLAG_IGNORE_UNKNOWN_CA |
-                                       SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
-                                       SECURITY_FLAG_IGNORE_CERT_CN_INVALID |
-                                       SECURITY_FLAG_IGNORE_CERT_WRONG_USAGE);
+        if (!m_options.verifyCertificates && error == ERROR_SUCCESS) {
+            error = SetNumber(
+                request, WINHTTP_OPTION_SECURITY_FLAGS,
+                SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
+                    SECURITY_FLAG_IGNORE_CERT_CN_INVALID | SECURITY_FLAG_IGNORE_CERT_WRONG_USAGE);
         }
     }
-    return set;
+    return error;
 }
 
-bool WinHttpExchange::AddHeaders(HINTERNET request) const {
+DWORD WinHttpExchange::AddHeaders(HINTERNET request) const {
     const auto add = [request](const std::string& name, const std::string& value) {
         const std::wstring line = Widen(name + ": " + value + "\r\n");
-        return WinHttpAddRequestHeaders(request, line.c_str(), static_cast<DWORD>(line.size()),
-                                        WINHTTP_ADDREQ_FLAG_ADD) != FALSE;
+        return ErrorOf(WinHttpAddRequestHeaders(
+            request, line.c_str(), static_cast<DWORD>(line.size()), WINHTTP_ADDREQ_FLAG_ADD));
     };
     for (const auto& [name, value] : m_request.headers) {
-        if (!add(name, value)) {
-            return false;
+        if (const DWORD error = add(name, value); error != ERROR_SUCCESS) {
+            return error;
         }
     }
     // as a header of our own, because WinHTTP's parameter ends at 4 GiB
-    return !AnnouncesLength(m_request) || add("Content-Length", std::to_string(m_body.Length()));
+    return AnnouncesLength(m_request) ? add("Content-Length", std::to_string(m_body.Length()))
+                                      : ERROR_SUCCESS;
 }
 
 Result WinHttpExchange::Fail(Failure failure) const {

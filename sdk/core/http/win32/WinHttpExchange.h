@@ -24,10 +24,10 @@ public:
 private:
     using Outcome = AsyncRequest::Outcome;
 
-    /// Makes the request handle; the error, if that fails.
+    /// Makes the request handle. These tell the error, if one fails.
     DWORD Open();
-    bool SetOptions(HINTERNET request) const;
-    bool AddHeaders(HINTERNET request) const;
+    DWORD SetOptions(HINTERNET request) const;
+    DWORD AddHeaders(HINTERNET request) const;
     /// Success: the request is out, or the connection broke and an answer may be there already.
     Result SendAll();
     Result ReceiveHead();
