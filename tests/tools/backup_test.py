@@ -16,6 +16,7 @@ PART = 8 * MIB
 OLD = 1500000000  # a time of change long ago, so that it is trusted
 MANIFEST = "/.mirqos/manifest"
 DENIED = (403, [], b"<?xml version=\"1.0\"?><Error><Code>AccessDenied</Code></Error>")
+MISSING = (404, [], b"<?xml version=\"1.0\"?><Error><Code>NoSuchKey</Code></Error>")
 # Rights that root has over every file, dropped; another user might not reach the program at all.
 WITHOUT_ROOTS_RIGHTS = () if os.geteuid() else (
     "setpriv", "--inh-caps=-dac_override,-dac_read_search",
@@ -438,6 +439,26 @@ class Refused(BackupCase):
         env = self.refusing("PUT", lambda path: asked.append(path) or True)
         self.fail_with(1, "backup", "src", self.url, "--threads", "1", "--no-progress", env=env)
         self.assertEqual(len(asked), 10)
+
+    def test_a_removal_one_by_one_says_what_was_refused(self):
+        self.make("src/a", 10)
+        for name in ("q", "r"):
+            self.succeed("put", os.path.join("src", "a"), self.url + "/" + name)
+        addresses = [self.url + "/" + name for name in ("none", "q", "r")]
+        answers = {"/none": MISSING, "/r": DENIED}
+
+        def rule(method, path, forward):
+            answer = answers.get(path[path.rindex("/"):]) if method == "DELETE" else None
+            return answer or forward()
+        env = self.proxy(rule)
+        message = self.fail_with(1, "rm", "--provider", "gcs", *addresses, env=env)
+        self.assertIn("'p/r'", message)
+        self.assertIn("2 of 3 objects had been accepted before", message)
+        everything = self.proxy(lambda *_: DENIED)
+        self.assertIn("0 of 3", self.fail_with(1, "rm", "--provider", "gcs", *addresses,
+                                               env=everything))
+        self.succeed("rm", "--provider", "gcs", *addresses)
+        self.assertEqual(self.keys(), [])
 
 
 class Trouble(BackupCase):

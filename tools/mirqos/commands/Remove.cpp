@@ -59,7 +59,7 @@ public:
         const Session session(m_invocation.settings);
         const StorePointer store = session.OpenStore(m_bucket.bucket, 0);
         if (m_keys.size() == 1) {
-            RemoveOne(*store, {m_bucket.bucket, m_keys.front()});
+            RemoveObject(*store, {m_bucket.bucket, m_keys.front()});
         } else {
             RemoveObjects(*store, m_invocation.settings.provider, m_bucket.bucket, m_keys,
                           m_invocation.interruption);
@@ -78,13 +78,6 @@ private:
             m_bucket.bucket = url.bucket;
             m_keys.push_back(url.key);
         }
-    }
-
-    static void RemoveOne(MIRQOSInterface& store, const ObjectUrl& url) {
-        CloudStoreDeleteObjectContext remove;
-        remove.m_pszBucket = url.bucket.c_str();
-        remove.m_pszKey = url.key.c_str();
-        CheckStatus(store.DeleteObject(&remove), "DeleteObject", url, store);
     }
 
     /// The keys of which the service says that they still exist.
@@ -147,7 +140,8 @@ Command RemoveCommand() {
             "remove objects",
             "Removes objects of one bucket, without asking: those of the addresses, or with\n"
             "--keys-from those whose keys stand in a file. Several go out in requests of up\n"
-            "to 1000 keys. To remove what does not exist is a success, as S3 defines it.\n"
+            "to 1000 keys, with --provider gcs one by one. To remove what does not exist is a\n"
+            "success, as S3 defines it.\n"
             "\n"
             "A service can accept such a request and still not remove some of the objects,\n"
             "and the library does not tell which. So rm says that the removal was accepted;\n"
