@@ -7,6 +7,8 @@ import os
 import shutil
 import signal
 import subprocess
+import threading
+import types
 
 from relay import Proxy, Relay
 from tool_case import COMMAND, LIMIT, Case, digest, environment, run, server
@@ -307,7 +309,33 @@ class Runs(BackupCase):
         self.assertEqual(self.tree("dst"), self.tree("src"))
         self.make("src/a+b", 30)
         answer = self.backup(env=env, expected=3)
-        self.assertEqual([entry["path"] for entry in answer["failed"]], ["a@b"])
+        self.assertEqual([entry["path"] for entry in answer["failed"]], ["a+b"])
+        # what was stored of the other stays, until its file is gone and the object is taken over
+        self.answer("restore", self.url, "again", env=env)
+        self.assertEqual(self.tree("again"), self.tree("dst"))
+        os.remove(self.path("src/a@b"))
+        self.assertEqual(self.counts(self.backup("--delete", env=env)), (1, 1, 1, 0))
+        self.answer("verify", self.url, "src", env=env)
+
+    def test_a_file_whose_name_takes_over_an_object_keeps_it(self):
+        for provider in ("5", "gcs"):
+            env = environment(MIRQOS_PROVIDER=provider)
+            self.make("src/a@b", 10)
+            self.backup(env=env)
+            os.rename(self.path("src/a@b"), self.path("src/a+b"))
+            self.assertEqual(self.counts(self.backup("--delete", env=env)), (1, 0, 1, 0))
+            self.answer("verify", self.url, "src", env=env)
+            os.remove(self.path("src/a+b"))
+            self.assertEqual(self.counts(self.backup("--delete", env=env)), (0, 0, 1, 1))
+            self.assertEqual(self.keys(), [".mirqos/manifest"])
+
+    def test_a_fresh_run_removes_what_is_gone_too(self):
+        self.make("src/a", 10)
+        self.make("src/gone", 10)
+        self.backup()
+        os.remove(self.path("src/gone"))
+        self.assertEqual(self.counts(self.backup("--fresh", "--delete")), (1, 0, 1, 1))
+        self.assertEqual(self.keys(), [".mirqos/manifest", "a"])
 
 
 class Damage(BackupCase):
@@ -401,6 +429,18 @@ class Damage(BackupCase):
         self.assertEqual(self.answer("restore", self.url, "dst")["files"], 3)
         self.assertEqual(os.path.getsize(self.path("dst/shut")), 10)
 
+    def test_a_file_that_came_back_unreadable_is_not_removed(self):
+        self.skip_on_windows("it has other rights")
+        self.make("src/file", 10)
+        self.backup()
+        os.remove(self.path("src/file"))
+        self.backup()
+        os.chmod(self.make("src/file", 12, time=OLD + 1), 0)
+        answer = self.backup("--delete", expected=3, by=WITHOUT_ROOTS_RIGHTS)
+        self.assertEqual(self.counts(answer), (0, 0, 0, 0))
+        self.answer("restore", self.url, "dst")
+        self.assertEqual(os.path.getsize(self.path("dst/file")), 10)
+
     def test_a_name_that_no_key_can_be_is_named(self):
         self.skip_on_windows("its names are Unicode")
         self.make("src/good", 10)
@@ -439,6 +479,32 @@ class Refused(BackupCase):
         env = self.refusing("PUT", lambda path: asked.append(path) or True)
         self.fail_with(1, "backup", "src", self.url, "--threads", "1", "--no-progress", env=env)
         self.assertEqual(len(asked), 10)
+
+    def test_a_fresh_run_that_fails_forgets_nothing_that_is_stored(self):
+        for number in range(20):
+            self.make("src/%02d" % number, 100)
+        self.backup()
+        env = self.refusing("PUT", lambda path: "05" <= path[-2:] <= "19")
+        self.fail_with(1, "backup", "src", self.url, "--fresh", "--threads", "1", "--no-progress",
+                       env=env)
+        answer = self.answer("restore", self.url, "dst")
+        self.assertEqual((answer["files"], answer["runEnded"]), (20, False))
+        # not begun are those after the tenth refusal
+        self.assertEqual(self.counts(self.backup()), (10, 10, 0, 0))
+
+    def test_what_was_not_removed_is_removed_by_a_later_run(self):
+        names = ("a", "b")
+        for name in names:
+            self.make("src/" + name, 10)
+        self.backup()
+        for name in names:
+            os.rename(self.path("src/" + name), self.path(name))
+        env = self.refusing("POST", lambda path: "delete" in path)
+        self.fail_with(1, "backup", "src", self.url, "--delete", "--no-progress", env=env)
+        # what comes back meanwhile is sent, for it may be gone
+        os.rename(self.path("a"), self.path("src/a"))
+        self.assertEqual(self.counts(self.backup("--delete")), (1, 0, 0, 1))
+        self.assertEqual(self.keys(), [".mirqos/manifest", "a"])
 
     def test_a_removal_one_by_one_says_what_was_refused(self):
         self.make("src/a", 10)
@@ -523,6 +589,49 @@ class Trouble(BackupCase):
         self.assertIn(done["files"], range(1, 20))
         self.assertEqual(self.counts(self.backup()), (20 - done["files"], done["files"], 0, 0))
         self.assertTrue(self.answer("verify", self.url, "src")["runEnded"])
+
+    def kill_after(self, done, *arguments):
+        """Runs the program and kills it when the server has done such a request."""
+        server_has, gone = types.SimpleNamespace(reached=threading.Event()), threading.Event()
+
+        def rule(method, path, forward):
+            answer = forward()
+            if not done(method, path):
+                return answer
+            server_has.reached.set()
+            gone.wait(LIMIT)
+            return None
+
+        def act(tool):
+            tool.kill()
+            tool.wait()
+            gone.set()
+        self.at_the_stall(server_has, self.proxy(rule), act, *arguments)
+
+    def test_a_killed_run_leaves_no_record_that_later_runs_trust(self):
+        for size, done in (
+                (100, lambda method, path: method == "PUT" and path.endswith("/p/file")),
+                (2 * PART, lambda method, path: method == "POST" and "uploadId=" in path)):
+            self.make("src/file", size)
+            self.backup()
+            shutil.copy2(self.path("src/file"), self.path("kept"))
+            self.make("src/file", size, seed=1, time=OLD + 1)
+            self.kill_after(done, "backup", "src", self.url)
+            answer = self.answer("restore", self.url, "dst", expected=1)
+            self.assertEqual(([entry["path"] for entry in answer["failed"]], answer["runEnded"]),
+                             (["file"], False))
+            os.replace(self.path("kept"), self.path("src/file"))
+            self.assertEqual(self.counts(self.backup()), (1, 0, 0, 0))
+            self.assertTrue(self.answer("verify", self.url, "src")["runEnded"])
+
+    def test_a_killed_run_that_rehashes_needs_no_sending_of_what_is_the_same(self):
+        for number in range(5):
+            self.make("src/%d" % number, 100)
+        self.backup()
+        self.make("src/3", 100, seed=1)
+        self.kill_after(lambda method, path: method == "PUT" and path.endswith("/p/3"), "backup",
+                        "src", self.url, "--rehash", "--threads", "1")
+        self.assertEqual(self.counts(self.backup()), (1, 4, 0, 0))
 
     def test_an_interrupt_during_a_restore_leaves_no_part_file(self):
         self.make("src/large", 8 * PART)

@@ -33,7 +33,7 @@ protected:
 
     FolderContents m_contents;
     Manifest m_before;
-    BackupPlanOptions m_options{"p/", 0, false};
+    BackupPlanOptions m_options{"p/", 0, false, false};
 };
 
 TEST_F(ToolBackupPlan, OnlyWhatHasAnotherSizeOrTimeIsRead) {
@@ -93,6 +93,59 @@ TEST_F(ToolBackupPlan, AFileThatCameBackIsLiveAgain) {
     EXPECT_FALSE(plan.manifest.files.at("a").deleted);
 }
 
+TEST_F(ToolBackupPlan, AFileThatCameBackChangedIsLiveBeforeItIsSent) {
+    Stored("a", 5, 100);
+    m_before.files["a"].deleted = true;
+    There("a", 6, 101);
+    const BackupPlan plan = Plan();
+    EXPECT_EQ(Paths(plan), Texts{"a"});
+    EXPECT_FALSE(plan.manifest.files.at("a").deleted);
+    EXPECT_EQ(plan.tasks[0].stored->sha256, "of a");
+}
+
+TEST_F(ToolBackupPlan, WhatNobodyKnowsOfIsSentAndStaysUnsureUntilThen) {
+    Stored("a", 5, 100);
+    Stored("gone", 5, 100);
+    m_before.files["a"].unsure = true;
+    m_before.files["gone"].unsure = true;
+    There("a", 5, 100);
+    const BackupPlan plan = Plan();
+    EXPECT_EQ(Paths(plan), Texts{"a"});
+    EXPECT_FALSE(plan.tasks[0].stored);
+    EXPECT_TRUE(plan.manifest.files.at("a").unsure);
+    EXPECT_TRUE(plan.manifest.files.at("gone").unsure);
+    EXPECT_TRUE(plan.manifest.files.at("gone").deleted);
+}
+
+TEST_F(ToolBackupPlan, AFreshRunSendsEverythingAndKnowsWhatIsStored) {
+    Stored("a", 5, 100);
+    Stored("gone", 5, 100);
+    There("a", 5, 100);
+    m_options.fresh = true;
+    const BackupPlan plan = Plan();
+    EXPECT_EQ(Paths(plan), Texts{"a"});
+    EXPECT_FALSE(plan.tasks[0].stored);
+    EXPECT_EQ(plan.manifest.files.count("a"), 1U);
+    EXPECT_TRUE(plan.manifest.files.at("gone").deleted);
+    EXPECT_EQ(plan.gone, 1U);
+}
+
+TEST_F(ToolBackupPlan, OnlyWhatDiffersWithoutBeingReadIsLikelyToReplaceSomething) {
+    for (const char* path : {"changed", "recent", "same"}) {
+        Stored(path, 5, 100);
+        There(path, 5, 100);
+    }
+    There("changed", 6, 100);
+    There("new", 5, 100);
+    m_before.files["recent"].recent = true;
+    m_options.rehash = true;
+    std::vector<bool> likely;
+    for (const auto& task : Plan().tasks) {
+        likely.push_back(task.likely);
+    }
+    EXPECT_EQ(likely, (std::vector<bool>{true, false, false, false}));
+}
+
 TEST_F(ToolBackupPlan, WhatCouldNotBeLookedAtIsNotTakenForDeleted) {
     Stored("shut/a", 5, 100);
     Stored("shut/deep/b", 5, 100);
@@ -129,6 +182,47 @@ TEST_F(ToolBackupPlan, TwoPathsWithTheSameStoredKeyAreNotBothTaken) {
     EXPECT_EQ(Paths(plan), Texts{"a+b"});
     ASSERT_EQ(plan.refused.size(), 1U);
     EXPECT_EQ(plan.refused[0].path, "a@b");
+}
+
+TEST_F(ToolBackupPlan, AStoredFileKeepsItsKey) {
+    m_options.provider = kPlusForAt;
+    Stored("a@b", 5, 100);
+    There("a+b", 6, 200);
+    There("a@b", 7, 300);
+    const BackupPlan plan = Plan();
+    EXPECT_EQ(Paths(plan), Texts{"a@b"});
+    ASSERT_EQ(plan.refused.size(), 1U);
+    EXPECT_EQ(plan.refused[0].path, "a+b");
+    m_contents.files.erase("a@b");
+    m_contents.unread = {{"a@b", "cannot be read"}};
+    EXPECT_EQ(Paths(Plan()), Texts{});
+}
+
+TEST_F(ToolBackupPlan, AGoneFileYieldsItsKey) {
+    m_options.provider = kPlusForAt;
+    Stored("a@b", 5, 100);
+    There("a+b", 5, 100);
+    const BackupPlan plan = Plan();
+    EXPECT_TRUE(plan.refused.empty());
+    ASSERT_EQ(Paths(plan), Texts{"a+b"});
+    EXPECT_EQ(plan.tasks[0].displaced, "a@b");
+    EXPECT_FALSE(plan.tasks[0].stored);
+    EXPECT_TRUE(plan.manifest.files.at("a@b").deleted);
+}
+
+TEST_F(ToolBackupPlan, OfTwoStoredUnderOneKeyTheOneThatIsThereStaysUnsure) {
+    m_options.provider = kPlusForAt;
+    for (const char* there : {"a+b", "a@b"}) {
+        m_before.files.clear();
+        m_contents.files.clear();
+        Stored("a+b", 5, 100);
+        Stored("a@b", 5, 100);
+        There(there, 5, 100);
+        const BackupPlan plan = Plan();
+        EXPECT_EQ(Paths(plan), Texts{there});
+        ASSERT_EQ(plan.manifest.files.size(), 1U);
+        EXPECT_TRUE(plan.manifest.files.at(there).unsure);
+    }
 }
 
 }  // namespace

@@ -29,6 +29,8 @@ Manifest Example() {
     manifest.files["gone"].deleted = true;
     manifest.files["new"] = RecordOf(8, 2);
     manifest.files["new"].recent = true;
+    manifest.files["replaced"] = RecordOf(9, 3);
+    manifest.files["replaced"].unsure = true;
     manifest.emptyFolders = {"d", "e/f"};
     manifest.runEnded = false;
     return manifest;
@@ -95,6 +97,7 @@ TEST(ToolManifest, WhatNobodyWroteIsRefusedAlsoWithTheRightDigest) {
              R"({"path":"a","size":5,"modified":17,"sha256":"abc"})" + std::string("\n"),
              R"({"path":"a","size":5,"modified":17,"sha256":")" + digest +
                  "\",\"deleted\":\"yes\"}\n",
+             R"({"path":"a","size":5,"modified":17,"sha256":")" + digest + "\",\"unsure\":1}\n",
              R"({"emptyFolder":5})" + std::string("\n"), std::string(100000, '[') + "\n"}) {
         const auto lines = static_cast<std::size_t>(line == good + good ? 2 : 1);
         EXPECT_EQ(Refusal(Sealed(kHead + line, lines)), ExitCode::OperationFailed)

@@ -12,30 +12,53 @@ constexpr std::chrono::seconds kBetweenSaves{60};
 
 }  // namespace
 
-BackupLedger::BackupLedger(const BackupStore& backup, MIRQOSInterface& store, Manifest manifest,
-                           bool saved)
-    : m_backup(backup), m_store(store), m_manifest(std::move(manifest)), m_saved(saved) {
+BackupLedger::BackupLedger(SaveManifest save, const BackupPlan& plan, bool saved)
+    : m_save(std::move(save)), m_manifest(plan.manifest), m_saved(saved) {
+    for (const BackupPlan::Task& task : plan.tasks) {
+        const auto known = m_manifest.files.find(task.path);
+        if (task.likely && known != m_manifest.files.end() && !known->second.unsure) {
+            m_expected.insert(task.path);
+        }
+    }
 }
 
-void BackupLedger::Record(const std::string& path, const FileRecord& record) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_manifest.files[path] = record;
-    m_recorded = true;
+void BackupLedger::Replace(const BackupPlan::Task& task) {
+    const Lock lock(m_mutex);
+    Doubt(lock, task.path);
+    Doubt(lock, task.displaced);
+    if (m_doubted) {
+        // so that one save does for all of them
+        for (const std::string& path : m_expected) {
+            Doubt(lock, path);
+        }
+        Save(lock, false);
+    }
+    m_expected.erase(task.path);
+}
+
+void BackupLedger::Record(const BackupPlan::Task& task, const FileRecord& record) {
+    const Lock lock(m_mutex);
+    m_manifest.files[task.path] = record;
+    m_manifest.files.erase(task.displaced);
+    m_expected.erase(task.path);
+    m_changed = true;
     if (Clock::now() - m_lastSave > kBetweenSaves) {
         Save(lock, false);
     }
 }
 
 void BackupLedger::SaveEnded() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_recorded || !m_saved) {
+    const Lock lock(m_mutex);
+    Settle(lock);
+    if (m_changed || !m_saved) {
         Save(lock, true);
     }
 }
 
 void BackupLedger::SaveUnfinished() noexcept {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_recorded) {
+    const Lock lock(m_mutex);
+    Settle(lock);
+    if (m_changed) {
         try {
             Save(lock, false);
         } catch (const std::exception&) {
@@ -44,26 +67,54 @@ void BackupLedger::SaveUnfinished() noexcept {
     }
 }
 
-std::vector<std::string> BackupLedger::ForgetDeleted() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+std::vector<std::string> BackupLedger::DoomDeleted() {
+    const Lock lock(m_mutex);
     std::vector<std::string> paths;
-    for (auto file = m_manifest.files.begin(); file != m_manifest.files.end();) {
-        if (file->second.deleted) {
-            paths.push_back(file->first);
-            file = m_manifest.files.erase(file);
-            m_saved = false;
-        } else {
-            ++file;
+    for (const auto& [path, record] : m_manifest.files) {
+        if (record.deleted) {
+            paths.push_back(path);
+            Doubt(lock, path);
         }
     }
     return paths;
 }
 
-void BackupLedger::Save(const std::lock_guard<std::mutex>& /*held*/, bool runEnded) {
+void BackupLedger::ForgetDeleted() {
+    const Lock lock(m_mutex);
+    for (auto file = m_manifest.files.begin(); file != m_manifest.files.end();) {
+        if (file->second.deleted) {
+            file = m_manifest.files.erase(file);
+            m_changed = true;
+        } else {
+            ++file;
+        }
+    }
+}
+
+void BackupLedger::Doubt(const Lock& /*held*/, const std::string& path) {
+    const auto known = m_manifest.files.find(path);
+    if (known != m_manifest.files.end() && !known->second.unsure) {
+        known->second.unsure = true;
+        m_changed = true;
+        m_doubted = true;
+    }
+}
+
+/// What was not replaced after all is as it was.
+void BackupLedger::Settle(const Lock& /*held*/) {
+    for (const std::string& path : m_expected) {
+        bool& unsure = m_manifest.files.at(path).unsure;
+        m_changed = m_changed || unsure;
+        unsure = false;
+    }
+}
+
+void BackupLedger::Save(const Lock& /*held*/, bool runEnded) {
     m_manifest.runEnded = runEnded;
-    m_backup.Save(m_store, m_manifest);
+    m_save(m_manifest);
     m_saved = runEnded;
-    m_recorded = false;
+    m_changed = false;
+    m_doubted = false;
     m_lastSave = Clock::now();
 }
 

@@ -25,17 +25,22 @@ public:
     }
 
     BackupPlan Run() {
+        TakeKeys();
         for (const auto& [path, state] : m_contents.files) {
-            const std::string fault = Fault(path);
-            if (fault.empty()) {
-                Take(path, state);
-            } else {
-                m_plan.refused.push_back({path, "cannot be backed up: " + fault});
+            if (const std::string fault = FaultOfSource(m_options.base, path); !fault.empty()) {
+                Refuse(path, fault);
+                continue;
             }
+            std::string& owner = m_owners.emplace(KeyOf(path), path).first->second;
+            if (owner != path && IsThere(owner)) {
+                Refuse(path, "the service would store it as it stores '" + owner + "'");
+                continue;
+            }
+            Take(path, state, owner == path ? "" : owner);
+            owner = path;
         }
         for (auto& [path, record] : m_plan.manifest.files) {
-            const bool there = m_contents.files.count(path) > 0 || m_contents.IsUnknown(path);
-            if (!there && !record.deleted) {
+            if (!IsThere(path) && !record.deleted) {
                 record.deleted = true;
                 ++m_plan.gone;
             }
@@ -44,29 +49,59 @@ public:
     }
 
 private:
-    std::string Fault(const std::string& path) {
-        if (std::string fault = FaultOfSource(m_options.base, path); !fault.empty()) {
-            return fault;
-        }
-        const auto [other, first] =
-            m_keys.emplace(StoredKey(m_options.provider, m_options.base + path), path);
-        return first ? "" : "the service would store it as it stores '" + other->second + "'";
+    std::string KeyOf(const std::string& path) const {
+        return StoredKey(m_options.provider, m_options.base + path);
     }
 
-    void Take(const std::string& path, const FileState& state) {
-        const auto known = m_plan.manifest.files.find(path);
-        const bool stored = known != m_plan.manifest.files.end();
-        if (stored && known->second.state == state && !known->second.recent && !m_options.rehash) {
-            known->second.deleted = false;
-            ++m_plan.unchanged;
-            m_plan.unchangedBytes += state.size;
-            return;
+    bool IsThere(const std::string& path) const {
+        return m_contents.files.count(path) > 0 || m_contents.IsUnknown(path);
+    }
+
+    void Refuse(const std::string& path, const std::string& fault) {
+        m_plan.refused.push_back({path, "cannot be backed up: " + fault});
+    }
+
+    /// What is stored keeps its key. Of two files that share one, as where the kind of provider was
+    /// another before, one is forgotten, and whose the object is nobody knows.
+    void TakeKeys() {
+        auto& files = m_plan.manifest.files;
+        for (auto next = files.begin(); next != files.end();) {
+            const auto file = next++;
+            const auto [key, free] = m_owners.emplace(KeyOf(file->first), file->first);
+            if (free) {
+                continue;
+            }
+            auto kept = files.find(key->second);
+            auto forgotten = file;
+            if (!IsThere(kept->first)) {
+                std::swap(kept, forgotten);
+            }
+            kept->second.unsure = true;
+            key->second = kept->first;
+            files.erase(forgotten);
         }
+    }
+
+    void Take(const std::string& path, const FileState& state, const std::string& displaced) {
         BackupPlan::Task task;
         task.path = path;
         task.size = state.size;
-        if (stored) {
-            task.stored = known->second;
+        task.displaced = displaced;
+        const auto known = m_plan.manifest.files.find(path);
+        if (known != m_plan.manifest.files.end()) {
+            FileRecord& record = known->second;
+            record.deleted = false;
+            const bool trusted = !record.unsure && !m_options.fresh;
+            const bool same = trusted && record.state == state;
+            if (same && !record.recent && !m_options.rehash) {
+                ++m_plan.unchanged;
+                m_plan.unchangedBytes += state.size;
+                return;
+            }
+            task.likely = !same;
+            if (trusted) {
+                task.stored = record;
+            }
         }
         m_plan.tasks.push_back(std::move(task));
     }
@@ -74,7 +109,7 @@ private:
     const FolderContents& m_contents;
     const BackupPlanOptions& m_options;
     BackupPlan m_plan;
-    std::map<std::string, std::string> m_keys;
+    std::map<std::string, std::string> m_owners;  ///< paths, by the key that the service gives
 };
 
 }  // namespace

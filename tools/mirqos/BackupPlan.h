@@ -19,6 +19,10 @@ struct BackupPlan {
         /// What is stored under the path. Where the file turns out to have the same digest it need
         /// not be sent.
         std::optional<FileRecord> stored;
+        /// Whether it will most likely be sent.
+        bool likely = false;
+        /// A gone file whose object this one's replaces, because the service gives both one key.
+        std::string displaced;
     };
 
     /// To be read, and sent where the contents are new.
@@ -36,6 +40,7 @@ struct BackupPlanOptions {
     std::string base;           ///< see KeyBase
     std::int32_t provider = 0;  ///< see StoredKey
     bool rehash = false;        ///< take no file for unchanged because of its size and time
+    bool fresh = false;         ///< take nothing for stored
 };
 
 /// `before`: the manifest of the run before, empty for the first.

@@ -20,6 +20,20 @@ ObjectUrl BackupStore::ManifestUrl() const {
 }
 
 std::optional<Manifest> BackupStore::Load(const Interruption& interruption) const {
+    const auto text = LoadText(interruption);
+    return text ? std::optional<Manifest>(ParseManifest(*text)) : std::nullopt;
+}
+
+std::optional<Manifest> BackupStore::LoadWhole(const Interruption& interruption) const {
+    const auto text = LoadText(interruption);
+    try {
+        return text ? std::optional<Manifest>(ParseManifest(*text)) : std::nullopt;
+    } catch (const Failure&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<std::string> BackupStore::LoadText(const Interruption& interruption) const {
     const StorePointer store = m_session.OpenStore(m_bucket, 0);
     if (!ObjectAnswers(*store, ManifestUrl())) {
         if (!BucketAnswers(*store, m_bucket)) {
@@ -27,7 +41,7 @@ std::optional<Manifest> BackupStore::Load(const Interruption& interruption) cons
         }
         return std::nullopt;
     }
-    return ParseManifest(Fetch(interruption));
+    return Fetch(interruption);
 }
 
 Manifest BackupStore::Require(const Interruption& interruption) const {

@@ -29,11 +29,14 @@ public:
     /// Nothing where there is none. Throws Failure (OperationFailed), also where the bucket is
     /// missing or the manifest is damaged.
     std::optional<Manifest> Load(const Interruption& interruption) const;
+    /// The same; nothing also where the manifest is damaged.
+    std::optional<Manifest> LoadWhole(const Interruption& interruption) const;
     /// The same; throws Failure (NotFound) where there is no manifest.
     Manifest Require(const Interruption& interruption) const;
     void Save(MIRQOSInterface& store, const Manifest& manifest) const;
 
 private:
+    std::optional<std::string> LoadText(const Interruption& interruption) const;
     std::string Fetch(const Interruption& interruption) const;
 
     const Session& m_session;

@@ -37,14 +37,15 @@ FileSender::FileSender(MIRQOSInterface& store, unsigned threads, std::uint64_t i
 }
 
 FileSender::Result FileSender::Send(const std::string& file, const ObjectUrl& url,
-                                    const std::optional<FileRecord>& stored) const {
+                                    const std::optional<FileRecord>& stored,
+                                    const AboutToStore& aboutToStore) const {
     SteadyFile source(file);
     const auto way = ChooseUpload(source.Size(), m_threads, m_inFlight);
     if (!way) {
         throw Failure(ExitCode::LocalFile, "is larger than an object can be");
     }
     if (way->kind == UploadWay::Kind::Whole) {
-        return SendWhole(source, url, stored);
+        return SendWhole(source, url, stored, aboutToStore);
     }
     // to read it twice costs less than to send what is there
     if (stored && stored->state.size == source.Size()) {
@@ -56,11 +57,14 @@ FileSender::Result FileSender::Send(const std::string& file, const ObjectUrl& ur
         }
     }
     const bool async = way->kind == UploadWay::Kind::AsyncParts;
-    return {async ? SendAsync(source, url, *way) : SendParts(source, url, *way), true};
+    return {async ? SendAsync(source, url, *way, aboutToStore)
+                  : SendParts(source, url, *way, aboutToStore),
+            true};
 }
 
 FileSender::Result FileSender::SendWhole(SteadyFile& source, const ObjectUrl& url,
-                                         const std::optional<FileRecord>& stored) const {
+                                         const std::optional<FileRecord>& stored,
+                                         const AboutToStore& aboutToStore) const {
     m_interruption.CheckPoint();
     std::vector<unsigned char> contents(static_cast<std::size_t>(source.Size()));
     source.Read(contents.data(), contents.size());
@@ -74,13 +78,14 @@ FileSender::Result FileSender::SendWhole(SteadyFile& source, const ObjectUrl& ur
     write.m_pszKey = url.key.c_str();
     write.m_pBuf = contents.data();
     write.m_nBufLen = contents.size();
+    aboutToStore();
     CheckStatus(m_store.WriteObject(&write), "WriteObject", url, m_store);
     m_progress.Add(contents.size());
     return {record, true};
 }
 
-FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url,
-                                 const UploadWay& way) const {
+FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
+                                 const AboutToStore& aboutToStore) const {
     PartUpload upload(m_store, url, way.partSize, m_interruption);
     std::vector<unsigned char> part(way.partSize);
     for (std::int32_t number = 1; number <= way.parts; ++number) {
@@ -92,12 +97,13 @@ FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url,
     }
     FileRecord record = source.Finish();
     m_interruption.CheckPoint();
+    aboutToStore();
     upload.CompleteHandedOver(way.parts);
     return record;
 }
 
-FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url,
-                                 const UploadWay& way) const {
+FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
+                                 const AboutToStore& aboutToStore) const {
     PartUpload upload(m_store, url, way.partSize, m_interruption);
     std::mutex reading;
     std::int32_t next = 0;
@@ -121,6 +127,7 @@ FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url,
     });
     FileRecord record = source.Finish();
     m_interruption.CheckPoint();
+    aboutToStore();
     upload.Complete(way.parts);
     return record;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -29,16 +30,22 @@ public:
         bool sent = false;  ///< false where the contents are those that are stored
     };
 
+    /// Called before the one request after which the object may hold the file, and may throw.
+    using AboutToStore = std::function<void()>;
+
     /// `stored`: what the object holds, where it is known. Files that go whole may be sent by
     /// several threads at once, others by one at a time.
     Result Send(const std::string& file, const ObjectUrl& url,
-                const std::optional<FileRecord>& stored) const;
+                const std::optional<FileRecord>& stored, const AboutToStore& aboutToStore) const;
 
 private:
     Result SendWhole(SteadyFile& source, const ObjectUrl& url,
-                     const std::optional<FileRecord>& stored) const;
-    FileRecord SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
-    FileRecord SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
+                     const std::optional<FileRecord>& stored,
+                     const AboutToStore& aboutToStore) const;
+    FileRecord SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
+                         const AboutToStore& aboutToStore) const;
+    FileRecord SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
+                         const AboutToStore& aboutToStore) const;
 
     MIRQOSInterface& m_store;
     const unsigned m_threads;

@@ -30,6 +30,9 @@ Json Describe(const std::string& path, const FileRecord& record) {
     if (record.deleted) {
         line["deleted"] = true;
     }
+    if (record.unsure) {
+        line["unsure"] = true;
+    }
     return line;
 }
 
@@ -59,6 +62,7 @@ FileRecord RecordOf(const Json& line) {
     record.sha256 = Take<std::string>(line, "sha256", &Json::is_string);
     record.recent = line.value("recent", false);
     record.deleted = line.value("deleted", false);
+    record.unsure = line.value("unsure", false);
     if (!IsDigest(record.sha256)) {
         Damaged("a digest is none");
     }

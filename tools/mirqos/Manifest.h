@@ -17,14 +17,16 @@ struct FileRecord {
     bool recent = false;
     /// The file is no longer in the folder; its object is still stored.
     bool deleted = false;
+    /// A run was about to replace or remove the object: nobody knows whether it still holds this.
+    bool unsure = false;
 
     bool operator==(const FileRecord& rhs) const {
         return state == rhs.state && sha256 == rhs.sha256 && recent == rhs.recent &&
-               deleted == rhs.deleted;
+               deleted == rhs.deleted && unsure == rhs.unsure;
     }
 };
 
-/// What a backup holds, by path. Names no object that is not stored.
+/// What a backup holds, by path. Names no object that is not stored, but where it is unsure.
 struct Manifest {
     std::map<std::string, FileRecord> files;
     std::set<std::string> emptyFolders;
@@ -41,8 +43,9 @@ struct Manifest {
 ///     {"format":"mirqos-manifest","version":1,"runEnded":true}
 ///     {"path":"a/b.txt","size":5,"modified":17000000000000000,"sha256":"..."}
 ///     {"path":"a/c.txt","size":5,"modified":17000000000000000,"sha256":"...","deleted":true}
+///     {"path":"a/d.txt","size":5,"modified":17000000000000000,"sha256":"...","unsure":true}
 ///     {"emptyFolder":"d"}
-///     {"lines":3,"sha256":"..."}
+///     {"lines":4,"sha256":"..."}
 std::string FormatManifest(const Manifest& manifest);
 
 /// Throws Failure (OperationFailed) for what FormatManifest did not write, to the byte, so that a

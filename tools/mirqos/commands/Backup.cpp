@@ -63,26 +63,28 @@ public:
             const auto before = Before(backup);
             m_plan = PlanBackup(contents, before.value_or(Manifest()),
                                 {backup.Base(), m_invocation.settings.provider,
-                                 m_invocation.arguments.Has("rehash")});
+                                 m_invocation.arguments.Has("rehash"), Fresh()});
             m_leftOut = contents.leftOut;
             m_troubles = contents.unread;
             m_troubles.insert(m_troubles.end(), m_plan.refused.begin(), m_plan.refused.end());
             // handed over parts run on the store's threads
             const StorePointer store =
                 session.OpenStore(backup.Bucket(), 0, m_invocation.settings.threads);
-            BackupLedger ledger(backup, *store, m_plan.manifest, before == m_plan.manifest);
+            BackupLedger ledger([&](const Manifest& manifest) { backup.Save(*store, manifest); },
+                                m_plan, before == m_plan.manifest);
             Send(backup, *store, ledger, progress);
-            RemoveGone(backup, *store, ledger);
+            End(backup, *store, ledger);
         }
         Tell();
     }
 
 private:
+    bool Fresh() const { return m_invocation.arguments.Has("fresh"); }
+
+    /// A fresh run has to know of stored objects too, though it trusts none.
     std::optional<Manifest> Before(const BackupStore& backup) const {
-        if (m_invocation.arguments.Has("fresh")) {
-            return std::nullopt;
-        }
-        return backup.Load(m_invocation.interruption);
+        return Fresh() ? backup.LoadWhole(m_invocation.interruption)
+                       : backup.Load(m_invocation.interruption);
     }
 
     void Send(const BackupStore& backup, MIRQOSInterface& store, BackupLedger& ledger,
@@ -116,7 +118,6 @@ private:
             }
             throw;
         }
-        ledger.SaveEnded();
     }
 
     void SendOne(const BackupPlan::Task& task, const BackupStore& backup, const FileSender& sender,
@@ -124,15 +125,15 @@ private:
         m_invocation.interruption.CheckPoint();
         std::optional<FileSender::Result> result;
         try {
-            result =
-                sender.Send(JoinPath(m_folder, task.path), backup.UrlOf(task.path), task.stored);
+            result = sender.Send(JoinPath(m_folder, task.path), backup.UrlOf(task.path),
+                                 task.stored, [&] { ledger.Replace(task); });
         } catch (const Failure& failure) {
             Trouble trouble = m_patience.Bear(task.path, failure);
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_troubles.push_back(std::move(trouble));
             return;
         }
-        ledger.Record(task.path, result->record);
+        ledger.Record(task, result->record);
         Count(*result);
     }
 
@@ -147,19 +148,23 @@ private:
         bytes += result.record.state.size;
     }
 
-    /// The manifest forgets the objects before they go: it never names one that is not stored.
-    void RemoveGone(const BackupStore& backup, MIRQOSInterface& store, BackupLedger& ledger) {
-        if (!m_invocation.arguments.Has("delete")) {
-            return;
-        }
+    /// The manifest forgets objects when they are gone: until then a later run can remove them.
+    void End(const BackupStore& backup, MIRQOSInterface& store, BackupLedger& ledger) {
         std::vector<std::string> keys;
-        for (const std::string& path : ledger.ForgetDeleted()) {
-            keys.push_back(backup.Base() + path);
+        if (m_invocation.arguments.Has("delete")) {
+            for (const std::string& path : ledger.DoomDeleted()) {
+                keys.push_back(backup.Base() + path);
+            }
         }
         ledger.SaveEnded();
+        if (keys.empty()) {
+            return;
+        }
         RemoveObjects(store, m_invocation.settings.provider, backup.Bucket(), keys,
                       m_invocation.interruption);
         m_removed = keys.size();
+        ledger.ForgetDeleted();
+        ledger.SaveEnded();
     }
 
     void Tell() {
@@ -252,7 +257,7 @@ Command BackupCommand() {
             {{"in-flight", "MIB", "",
               "how much of one large file may be in memory while it is sent (default 128)"},
              {"rehash", "", "", "read every file and compare digests, whatever its time says"},
-             {"fresh", "", "", "take no notice of earlier runs: send every file"},
+             {"fresh", "", "", "send every file, also where the manifest is damaged"},
              {"delete", "", "", "remove the objects of files that are gone"},
              JsonOption()},
             &Run};
