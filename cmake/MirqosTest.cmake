@@ -24,6 +24,17 @@ function(mirqos_test name)
   endif()
 endfunction()
 
+# mirqos_kept_memory(FILE TEST...): in these tests LeakSanitizer passes over what the file names. Its
+# path is in quotes, because a blank would end it.
+function(mirqos_kept_memory file)
+  set_property(TEST ${ARGN} APPEND PROPERTY ENVIRONMENT "LSAN_OPTIONS=suppressions='${file}'")
+endfunction()
+
+# mirqos_open_uploads(TEST...) is that for the uploads that tests leave open.
+function(mirqos_open_uploads)
+  mirqos_kept_memory(${CMAKE_SOURCE_DIR}/tests/support/open_upload.lsan ${ARGN})
+endfunction()
+
 # mirqos_long_test(NAME) grants a test program that may take minutes a quarter of an hour.
 function(mirqos_long_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 900)

@@ -9,6 +9,10 @@ began=$SECONDS
 unset AWS_PROFILE AWS_SESSION_TOKEN AWS_SECURITY_TOKEN AWS_DEFAULT_REGION AWS_REGION
 unset http_proxy https_proxy all_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY
 
+# For LSAN_OPTIONS: the uploads that tests leave open. The path is in quotes, because a blank would end
+# it.
+open_uploads="suppressions='$root/tests/support/open_upload.lsan'"
+
 elapsed() {
     printf '%d:%02d' $(((SECONDS - began) / 60)) $(((SECONDS - began) % 60))
 }
