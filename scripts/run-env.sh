@@ -21,11 +21,11 @@ stage() {
     printf '\n==== [%s] %s\n' "$(elapsed)" "$*"
 }
 
-# start_s3 DIR [MINUTES]: a server that lives as long as this script does, two hours at most unless
+# start_s3 DIR [MINUTES]: a server that lives as long as this script does, ten hours at most unless
 # told.
 start_s3() {
-    s3_dir=$1
-    "$root/tests/service/rgw" up "$s3_dir" --owner $$ --minutes "${2:-120}"
+    "$root/tests/service/rgw" up "$1" --owner $$ --minutes "${2:-600}"
+    s3_dir=$1 # only now is it ours: another run's server may have been in the way
     set -a
     . "$s3_dir/env"
     set +a
