@@ -4,6 +4,9 @@
   tls_server.py up DIR [--system-trust]   makes certificates in DIR and starts the server
   tls_server.py down DIR                  ends it
 
+The server belongs to the process that called: another's "up" fails and its "down" does nothing, as
+long as that process lives.
+
 DIR/ports lists "NAME PORT" lines; DIR/ca.pem is the authority to trust. --system-trust makes the
 whole machine trust it until the server ends (needs root): programs under Wine know no other way.
 Nothing outlives a run: the authority's key is thrown away at once, the server ends by itself after
@@ -280,7 +283,7 @@ class Server:
 
 # ---- commands
 
-def serve(folder, system_trust):
+def serve(folder, system_trust, owner):
     ended = {signal.SIGTERM, signal.SIGINT, signal.SIGALRM}
     signal.pthread_sigmask(signal.SIG_BLOCK, ended)  # before any thread: all inherit it
     signal.alarm(LIFE_SECONDS)
@@ -293,7 +296,7 @@ def serve(folder, system_trust):
             for port in [*server.ports.values(), server.control]:
                 out.write(f"{port.name} {port.number}\n")
         with open(os.path.join(folder, "pid"), "w") as out:
-            out.write(str(os.getpid()))
+            out.write(f"{os.getpid()} {owner}")
         print("ready", flush=True)
         os.close(1)
         signal.sigwait(ended)
@@ -302,14 +305,15 @@ def serve(folder, system_trust):
             change_trust(remove=os.getpid())
 
 
-def up(folder, system_trust):
+def up(folder, system_trust, owner):
     os.makedirs(folder, exist_ok=True)
-    down(folder)
+    if not down(folder, owner):
+        sys.exit(f"the TLS server in {folder} is another run's")
     make_certificates(folder)
     with open(os.path.join(folder, "log"), "w") as log:
         server = subprocess.Popen(
-            [sys.executable, os.path.abspath(__file__), "serve", folder]
-            + (["--system-trust"] if system_trust else []),
+            [sys.executable, os.path.abspath(__file__), "serve", folder,
+             "--owner", str(owner)] + (["--system-trust"] if system_trust else []),
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=log, start_new_session=True)
     readable, _, _ = select.select([server.stdout], [], [], 150)
     if not readable or server.stdout.readline() != b"ready\n":
@@ -318,12 +322,15 @@ def up(folder, system_trust):
             sys.exit("the TLS server did not start\n" + log.read())
 
 
-def down(folder):
+def down(folder, owner):
+    """False: there is a server of another process, and that lives."""
     path = os.path.join(folder, "pid")
     if os.path.exists(path):
         with open(path) as stored:
-            pid = int(stored.read())
+            pid, its_owner = map(int, stored.read().split())
         if is_server(pid):
+            if its_owner != owner and os.path.exists(f"/proc/{its_owner}"):
+                return False
             handle = os.pidfd_open(pid)
             signal.pidfd_send_signal(handle, signal.SIGTERM)
             if not select.select([handle], [], [], 150)[0]:
@@ -332,6 +339,7 @@ def down(folder):
         os.unlink(path)
     if os.access(TRUST_FOLDER, os.W_OK):
         change_trust()
+    return True
 
 
 def main():
@@ -340,12 +348,13 @@ def main():
     parser.add_argument("command", choices=["up", "down", "serve"])
     parser.add_argument("folder")
     parser.add_argument("--system-trust", action="store_true")
+    parser.add_argument("--owner", type=int, default=os.getppid())
     given = parser.parse_args()
     folder = os.path.abspath(given.folder)
     if given.command == "down":
-        down(folder)
+        down(folder, given.owner)
     else:
-        {"up": up, "serve": serve}[given.command](folder, given.system_trust)
+        {"up": up, "serve": serve}[given.command](folder, given.system_trust, given.owner)
 
 
 if __name__ == "__main__":
