@@ -12,7 +12,7 @@ import unittest
 import uuid
 import zipfile
 
-from package_case import SOURCES, Case, pack, package_name
+from package_case import SOURCES, Case, names_folder, pack, package_name
 
 sys.path.append(os.path.join(SOURCES, "tests", "tools"))
 import tool_case
@@ -53,12 +53,12 @@ class Consumer(Case):
         self.run_command("cmake", "--build", self.path("build"), env=clean_environment())
         return self.path("build", "consumer.exe")
 
-    def files_of_build_naming(self, text):
+    def files_of_build_naming(self, folder):
         found = []
         for parent, _, names in os.walk(self.path("build")):
             for name in names:
                 with open(os.path.join(parent, name), "rb") as file:
-                    if text.encode() in file.read():
+                    if names_folder(file.read(), folder):
                         found.append(name)
         return found
 
@@ -66,9 +66,9 @@ class Consumer(Case):
         program = self.build()
         # what the compiler read
         self.assertIn(".ninja_deps",
-                      self.files_of_build_naming(self.package + "/include/mirqos/mirqos.h"))
-        self.assertEqual(self.files_of_build_naming(SOURCES + "/"), [])
-        self.assertEqual(self.files_of_build_naming(TREE + "/"), [])
+                      self.files_of_build_naming(self.package + "/include/mirqos"))
+        self.assertEqual(self.files_of_build_naming(SOURCES), [])
+        self.assertEqual(self.files_of_build_naming(TREE), [])
         server = {"MIRQOS_S3_" + name: value for name, value in tool_case.server().items()}
         self.assertEqual(self.run_program(program, "package-" + uuid.uuid4().hex, **server),
                          "stored and read back\n")

@@ -1,6 +1,7 @@
 """What the tests of the package share."""
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -30,6 +31,15 @@ class Case(unittest.TestCase):
                               timeout=LIMIT, **more)
         self.assertEqual(done.returncode, 0, (command, done.stdout, done.stderr))
         return done.stdout
+
+
+def names_folder(data, folder, encoding="utf-8"):
+    """Whether bytes hold the path of a folder. One that goes on from another does not count: the
+    folder may be called as one of the package's."""
+    zeros = "\0".encode(encoding)[1:]
+    before = b"(?<![\\w./-]" + zeros + b")|(?<=-[IL])"
+    return re.search(b"(?:" + before + b")" + re.escape((folder + "/").encode(encoding)),
+                     data) is not None
 
 
 def pack(tree, folder, **environment):
