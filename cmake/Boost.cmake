@@ -1,16 +1,13 @@
-# mirqos_boost: Boost's headers, from Debian also for the cross build. They are reached through a
-# folder that holds only a link to them, because /usr/include itself would bring the native C
-# library's headers along.
+# mirqos_boost: Boost's headers, from Debian also for the cross build.
+include(HeaderFolder)
+
 set(MIRQOS_BOOST_DIR /usr/include/boost CACHE PATH "Folder with Boost's headers")
 if(NOT EXISTS ${MIRQOS_BOOST_DIR}/version.hpp)
   message(FATAL_ERROR "Boost's headers are not in ${MIRQOS_BOOST_DIR}; MIRQOS_BOOST_DIR names the folder")
 endif()
 
 if(NOT TARGET mirqos_boost)
-  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/boost-headers)
-  file(CREATE_LINK ${MIRQOS_BOOST_DIR} ${CMAKE_BINARY_DIR}/boost-headers/boost SYMBOLIC)
-  add_library(mirqos_boost INTERFACE)
-  target_include_directories(mirqos_boost SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/boost-headers)
+  mirqos_header_folder(mirqos_boost ${MIRQOS_BOOST_DIR} boost)
   # only the header-only parts are used
   target_compile_definitions(mirqos_boost INTERFACE BOOST_ALL_NO_LIB BOOST_ASIO_NO_DEPRECATED)
   if(MIRQOS_SANITIZE MATCHES "thread")

@@ -30,8 +30,9 @@ install(FILES docs/architecture.md docs/benchmarks.md docs/benchmarks.svg docs/f
         DESTINATION docs)
 install(DIRECTORY docs/decisions DESTINATION docs FILES_MATCHING PATTERN "*.md")
 
-# The licences of what is linked into the files ask for their notices to go with them.
-if(MINGW)
+# The licences of what is linked into the files ask for their notices to go with them. A cross build
+# has them from Debian's packages.
+if(MINGW AND CMAKE_CROSSCOMPILING)
   foreach(package gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev nlohmann-json3-dev)
     install(FILES /usr/share/doc/${package}/copyright DESTINATION licenses RENAME ${package}.txt)
   endforeach()
