@@ -93,6 +93,8 @@ class Consumer(Case):
     def test_a_build_that_it_is_not_for_is_told_why(self):
         self.assertIn("is a DLL for Windows", self.refusal())
         self.assertIn("was built with MinGW", self.refusal("WIN32 1", "MSVC 1"))
+        self.assertIn("was built with MinGW",
+                      self.refusal("WIN32 1", "CMAKE_CXX_SIMULATE_ID MSVC"))
         self.assertIn("64bit", self.refusal("WIN32 1", "CMAKE_SIZEOF_VOID_P 4"))
         self.assertIn('compatible with requested version "99"',
                       self.refusal("WIN32 1", version="99"))
