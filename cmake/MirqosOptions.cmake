@@ -27,6 +27,8 @@ add_library(mirqos_flags INTERFACE)
 target_include_directories(mirqos_flags INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
 target_link_libraries(mirqos_flags INTERFACE Threads::Threads)
 if(MSVC)
+  # CMake's own /EHsc takes it that functions with C linkage never throw; one that is exported may.
+  string(REGEX REPLACE "([-/])EHsc" "\\1EHs" CMAKE_CXX_FLAGS "${CMAKE_CXX_FLAGS}")
   target_compile_options(mirqos_flags INTERFACE /W4 /WX /permissive- /utf-8)
 else()
   target_compile_options(mirqos_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)

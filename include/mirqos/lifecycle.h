@@ -28,7 +28,8 @@ MIRQOS_API std::int32_t UnInitCloudStoreContext();
 /// Makes a store, which MIRQOSInterface::Init then makes usable. `context` is not read and may be
 /// null. The caller gives the store back with ReleaseCloudStoreInterface; `delete` is not for it,
 /// because its memory comes from the library's allocator. Never null: an allocation failure leaves
-/// as std::bad_alloc. May be called from any thread.
+/// as std::bad_alloc (a host that catches it and is built with MSVC is compiled with /EHs, because
+/// under /EHsc functions with C linkage are taken never to throw). May be called from any thread.
 MIRQOS_API MIRQOSInterface* CreateCloudStoreInterface(CloudStoreContext* context);
 
 /// Destroys a store; null is ignored. No call on the store may be running. What was started
