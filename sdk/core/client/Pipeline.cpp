@@ -3,7 +3,6 @@
 #include <aws/core/client/RetryStrategy.h>
 #include <aws/core/utils/logging/LogMacros.h>
 
-#include <algorithm>
 #include <thread>
 #include <utility>
 
