@@ -441,6 +441,22 @@ class Damage(BackupCase):
         self.answer("restore", self.url, "dst")
         self.assertEqual(os.path.getsize(self.path("dst/file")), 10)
 
+    def test_what_cannot_be_examined_is_not_taken_for_gone(self):
+        self.skip_on_windows("it has other rights")
+        self.make("src/listed/file", 10)
+        self.make("src/listed/below/file", 10)
+        os.mkdir(self.path("src/listed/none"))
+        self.backup()
+        os.chmod(self.path("src/listed"), 0o600)
+        self.addCleanup(os.chmod, self.path("src/listed"), 0o700)
+        answer = self.backup("--delete", expected=3, by=WITHOUT_ROOTS_RIGHTS)
+        self.assertEqual([entry["path"] for entry in answer["failed"]],
+                         ["listed/below", "listed/file", "listed/none"])
+        self.assertEqual(self.counts(answer), (0, 0, 0, 0))
+        os.chmod(self.path("src/listed"), 0o700)
+        self.answer("restore", self.url, "dst")
+        self.assertEqual(self.tree("dst"), self.tree("src"))
+
     def test_a_name_that_no_key_can_be_is_named(self):
         self.skip_on_windows("its names are Unicode")
         self.make("src/good", 10)

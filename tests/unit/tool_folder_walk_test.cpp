@@ -93,11 +93,13 @@ TEST_F(ToolFolderWalk, FoldersAreMadeWithThoseAboveThemAndNotInAFilesPlace) {
 
 TEST_F(ToolFolderWalk, WhatLiesBelowAnUnreadFolderIsUnknown) {
     FolderContents contents;
-    contents.unread = {{"a/b", "cannot be listed"}};
+    contents.unread = {{"a/b", "cannot be listed"}, {"e", "cannot be examined"}};
     EXPECT_TRUE(contents.IsUnknown("a/b"));
     EXPECT_TRUE(contents.IsUnknown("a/b/c/d"));
     EXPECT_FALSE(contents.IsUnknown("a/bc"));
     EXPECT_FALSE(contents.IsUnknown("a"));
+    EXPECT_TRUE(contents.IsUnknown("e/f"));
+    EXPECT_FALSE(contents.IsUnknown("/a"));
 }
 
 }  // namespace

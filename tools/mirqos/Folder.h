@@ -15,12 +15,14 @@ struct FolderEntry {
     enum class Kind {
         File,
         Folder,
-        Other  ///< a link, a pipe, a device
+        Other,   ///< a link, a pipe, a device
+        Unknown  ///< the system does not tell
     };
 
     std::string name;  ///< without the folder's; UTF-8, but for foreign bytes of a POSIX name
     Kind kind = Kind::Other;
     FileState state;  ///< of a file
+    std::string why;  ///< nobody knows what it is
 };
 
 /// Everything in the folder but "." and "..", sorted by name. Links are not followed, the folder's

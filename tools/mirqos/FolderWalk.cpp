@@ -11,6 +11,10 @@ namespace Mirqos::Tool {
 
 namespace {
 
+bool IsBefore(const Trouble& a, const Trouble& b) {
+    return a.path < b.path;
+}
+
 /// Folders wait in a list and not on the stack, which deep ones could exhaust.
 class Walk {
 public:
@@ -28,6 +32,7 @@ public:
                 m_contents.unread.push_back({path, failure.what()});
             }
         }
+        std::sort(m_contents.unread.begin(), m_contents.unread.end(), &IsBefore);
         return std::move(m_contents);
     }
 
@@ -46,6 +51,8 @@ private:
             ++m_contents.leftOut;
         } else if (!IsUtf8(entry.name)) {
             m_contents.unread.push_back({path, "its name is not valid UTF-8"});
+        } else if (entry.kind == FolderEntry::Kind::Unknown) {
+            m_contents.unread.push_back({path, entry.why});
         } else if (entry.kind == FolderEntry::Kind::Folder) {
             m_waiting.push_back(path);
         } else {
@@ -61,9 +68,15 @@ private:
 }  // namespace
 
 bool FolderContents::IsUnknown(const std::string& path) const {
-    return std::any_of(unread.begin(), unread.end(), [&](const Trouble& trouble) {
-        return path == trouble.path || path.rfind(trouble.path + "/", 0) == 0;
-    });
+    Trouble sought{path, ""};
+    while (!std::binary_search(unread.begin(), unread.end(), sought, &IsBefore)) {
+        const std::size_t slash = sought.path.rfind('/');
+        if (slash == std::string::npos) {
+            return false;
+        }
+        sought.path.resize(slash);
+    }
+    return true;
 }
 
 FolderContents WalkFolder(const std::string& folder, const std::function<void()>& checkPoint) {

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 #include "tools/mirqos/posix/FileStatus.h"
 
@@ -21,8 +22,8 @@ FolderEntry Examine(int folder, const char* name) {
     entry.name = name;
     struct stat info {};
     if (::fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-        // what cannot be examined will say why when it is opened
-        entry.kind = FolderEntry::Kind::File;
+        entry.kind = FolderEntry::Kind::Unknown;
+        entry.why = "cannot be examined: " + std::generic_category().message(errno);
     } else if (S_ISREG(info.st_mode)) {
         entry.kind = FolderEntry::Kind::File;
         entry.state = StateOf(info);
