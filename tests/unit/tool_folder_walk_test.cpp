@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "tools/mirqos/BackupPath.h"
 #include "tools/mirqos/Folder.h"
 #include "tools/mirqos/PartFile.h"
 
@@ -31,6 +32,14 @@ protected:
     std::string Name() const { return m_folder.u8string(); }
     FolderContents Walk() const {
         return WalkFolder(Name(), [] {});
+    }
+
+    /// The folder under a name below which the system takes every name as it is.
+    fs::path Literal() const {
+        fs::path folder = m_folder;
+        return OwnNameRules() == NameRules::Windows
+                   ? fs::u8path("\\\\?\\" + folder.make_preferred().u8string())
+                   : folder;
     }
 
     const fs::path m_folder =
@@ -79,6 +88,41 @@ TEST_F(ToolFolderWalk, PathsLongerThanWindowsTakesAsTheyAreAreFound) {
     for (; path.size() > Name().size(); path.resize(path.rfind('/'))) {
         RemoveEmptyFolder(path);
     }
+}
+
+TEST_F(ToolFolderWalk, ANameThatTheSystemTakesForAnotherIsNeverReadAsThat) {
+    Write("foo", "of foo");
+    Write("sub/of sub", "");
+    Write("con-x", "");
+    const fs::path literal = Literal();
+    std::ofstream(literal / "foo.", std::ios::binary) << "its own text";
+    std::ofstream(literal / "nul.txt", std::ios::binary) << "text";
+    fs::create_directory(literal / "sub ");
+    std::ofstream(literal / "sub " / "its own", std::ios::binary) << "";
+    const FolderContents contents = Walk();
+    std::set<std::string> found;
+    for (const auto& [path, state] : contents.files) {
+        found.insert(path);
+    }
+    std::set<std::string> unread;
+    for (const Trouble& trouble : contents.unread) {
+        unread.insert(trouble.path);
+    }
+    std::set<std::string> expected = {"con-x", "foo", "sub/of sub"};
+    if (OwnNameRules() == NameRules::Windows) {
+        EXPECT_EQ(unread, (std::set<std::string>{"foo.", "nul.txt", "sub "}));
+    } else {
+        expected.insert({"foo.", "nul.txt", "sub /its own"});
+        EXPECT_TRUE(unread.empty());
+        EXPECT_EQ(contents.files.at("foo.").size, 12U);
+    }
+    EXPECT_EQ(found, expected);
+    // the test's own clean-up may not take such names
+    for (const fs::path& file :
+         {literal / "foo.", literal / "nul.txt", literal / "sub " / "its own"}) {
+        EXPECT_TRUE(RemoveFile(file.u8string())) << file;
+    }
+    RemoveEmptyFolder((literal / "sub ").u8string());
 }
 
 TEST_F(ToolFolderWalk, FoldersAreMadeWithThoseAboveThemAndNotInAFilesPlace) {

@@ -62,7 +62,7 @@ std::string FaultOfPart(std::string_view part, NameRules rules) {
     if (part == "." || part == "..") {
         return "it holds \"" + std::string(part) + "\", which leads elsewhere";
     }
-    return rules == NameRules::Windows ? FaultForWindows(part) : "";
+    return FaultOfName(part, rules);
 }
 
 bool IsOwn(std::string_view path) {
@@ -92,6 +92,10 @@ std::string FaultOfSource(const std::string& base, const std::string& path) {
 
 NameRules OwnNameRules() {
     return std::string_view(kFolderSeparators).size() > 1 ? NameRules::Windows : NameRules::Posix;
+}
+
+std::string FaultOfName(std::string_view name, NameRules rules) {
+    return rules == NameRules::Windows ? FaultForWindows(name) : "";
 }
 
 std::string FaultOfTarget(std::string_view path, NameRules rules) {

@@ -24,8 +24,12 @@ std::string FaultOfSource(const std::string& base, const std::string& path);
 enum class NameRules { Posix, Windows };
 NameRules OwnNameRules();
 
+/// Why the system takes the name of a file or folder for something else than one of that name.
+/// Empty where it does not.
+std::string FaultOfName(std::string_view name, NameRules rules);
+
 /// What is wrong with a path under which something is to be restored: it would leave the folder, or
-/// the system takes it for something else than a file of that name. Empty where nothing is.
+/// a part of it has a fault. Empty where nothing is.
 std::string FaultOfTarget(std::string_view path, NameRules rules);
 
 /// Equal for paths that such a system takes for the same file. Knows of the letters A to Z only.

@@ -51,6 +51,9 @@ private:
             ++m_contents.leftOut;
         } else if (!IsUtf8(entry.name)) {
             m_contents.unread.push_back({path, "its name is not valid UTF-8"});
+        } else if (std::string fault = FaultOfName(entry.name, OwnNameRules()); !fault.empty()) {
+            // opened by its name, it would be something else
+            m_contents.unread.push_back({path, "cannot be read: " + fault});
         } else if (entry.kind == FolderEntry::Kind::Unknown) {
             m_contents.unread.push_back({path, entry.why});
         } else if (entry.kind == FolderEntry::Kind::Folder) {

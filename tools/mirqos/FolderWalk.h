@@ -15,8 +15,8 @@ namespace Mirqos::Tool {
 struct FolderContents {
     std::map<std::string, FileState> files;
     std::set<std::string> emptyFolders;
-    /// Folders that could not be listed, what could not be examined, and names that are no UTF-8;
-    /// sorted by path.
+    /// Folders that could not be listed, what could not be examined, names that are no UTF-8 or
+    /// that the system takes for others; sorted by path.
     Troubles unread;
     /// Links, which are not followed, pipes, devices.
     std::uint64_t leftOut = 0;
