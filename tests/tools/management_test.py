@@ -324,6 +324,14 @@ class Scripted(ScriptedCase):
         self.assertEqual(code, 1)
         self.assertIn("does not go on", err)
 
+    def test_a_page_that_is_not_the_last_is_never_taken_for_it(self):
+        env = self.serve(None, lambda request: request.list([("a", 1)], token=""))
+        for more in ((), ("--json",), ("--page",)):
+            code, out, err = self.run_tool("ls", "s3://bucket", *more, env=env)
+            self.assertEqual(code, 1, out)
+            self.assertIn("does not go on", err)
+            self.assertNotIn("1 object", out)
+
     def test_stat_knows_no_size_where_listing_is_refused(self):
         env = self.serve(None, head=200)
         self.assertIn("size unknown", self.succeed("stat", "s3://bucket/k", env=env))

@@ -155,10 +155,10 @@ class Service(http.server.BaseHTTPRequestHandler):
 
     def list(self, objects, token=None):
         entries = "".join("<Contents><Key>%s</Key><Size>%d</Size></Contents>" % o for o in objects)
-        more = "true</IsTruncated><NextContinuationToken>%s</NextContinuationToken>" % token
+        more = "false</IsTruncated>" if token is None else (
+            "true</IsTruncated><NextContinuationToken>%s</NextContinuationToken>" % token)
         self.send(200, ("<?xml version=\"1.0\"?><ListBucketResult><IsTruncated>%s%s"
-                        "</ListBucketResult>" % (more if token else "false</IsTruncated>",
-                                                 entries)).encode())
+                        "</ListBucketResult>" % (more, entries)).encode())
 
     def log_message(self, *_):
         pass

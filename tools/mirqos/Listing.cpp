@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstring>
 
+#include "tools/mirqos/Failure.h"
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/Paging.h"
 #include "tools/mirqos/Session.h"
@@ -24,6 +25,16 @@ ObjectPage::ObjectPage(MIRQOSInterface& store, const ObjectUrl& prefix, std::int
 
 ObjectPage::~ObjectPage() {
     m_store.ReleaseObjectData(&m_record);
+}
+
+std::string ObjectPage::Next() const {
+    std::string token = static_cast<const char*>(m_record.m_szContinuationToken);
+    if (m_record.m_bTruncated && token.empty()) {
+        throw Failure(ExitCode::OperationFailed,
+                      "the service's listing does not go on: a page that is not the last names no "
+                      "next one");
+    }
+    return token;
 }
 
 std::map<std::string, std::uint64_t> ListAll(MIRQOSInterface& store, const ObjectUrl& prefix,

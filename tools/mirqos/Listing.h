@@ -26,8 +26,9 @@ public:
 
     const CloudStoreObjInfo* begin() const { return m_record.m_pObjects; }
     const CloudStoreObjInfo* end() const { return m_record.m_pObjects + m_record.m_nObjectCount; }
-    /// The token of the page behind it; empty for the last.
-    std::string Next() const { return m_record.m_szContinuationToken; }
+    /// The token of the page behind it; empty for the last. Throws Failure (OperationFailed) where
+    /// there is more and the service does not say where.
+    std::string Next() const;
 
     /// Bytes that a token may have.
     static constexpr std::size_t kLongestToken =
