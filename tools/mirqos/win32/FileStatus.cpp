@@ -10,8 +10,8 @@ namespace Mirqos::Tool {
 
 namespace {
 
-// Folders may have 12 characters less than the 260 of files; what is relative to a folder of the
-// process adds nothing to these.
+// The system takes 260 characters of a file's whole name, also of one that is relative to a folder
+// of the process, and 12 less of a folder's.
 constexpr std::size_t kShort = 240;
 // from 1601, where the system's count begins, to 1970
 constexpr FileTime kBefore1970 = 116'444'736'000'000'000;
@@ -20,12 +20,12 @@ constexpr FileTime kBefore1970 = 116'444'736'000'000'000;
 
 std::wstring SystemPath(const std::string& name) {
     const std::wstring wide = ToWide(name);
-    if (wide.size() < kShort) {
-        return wide;
-    }
     const DWORD needed = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
     std::wstring full(needed, L'\0');
     full.resize(GetFullPathNameW(wide.c_str(), needed, full.data(), nullptr));
+    if (wide.size() < kShort && full.size() < kShort) {
+        return wide;
+    }
     if (full.rfind(L"\\\\?\\", 0) == 0) {
         return full;
     }
