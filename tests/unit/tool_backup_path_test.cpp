@@ -67,10 +67,5 @@ TEST(ToolBackupPath, AKeyHasToFitWhereListingsHoldIt) {
     EXPECT_NE(FaultOfSource("", "not \xff utf-8"), "");
 }
 
-TEST(ToolBackupPath, WindowsKnowsNoCaseInNames) {
-    EXPECT_EQ(NameIdentity("a/B", NameRules::Windows), NameIdentity("A/b", NameRules::Windows));
-    EXPECT_NE(NameIdentity("a/B", NameRules::Posix), NameIdentity("A/b", NameRules::Posix));
-}
-
 }  // namespace
 }  // namespace Mirqos::Tool

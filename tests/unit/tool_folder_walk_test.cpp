@@ -135,6 +135,21 @@ TEST_F(ToolFolderWalk, FoldersAreMadeWithThoseAboveThemAndNotInAFilesPlace) {
     EXPECT_THROW(MakeFolders(JoinPath(Name(), "file/below")), Failure);
 }
 
+TEST_F(ToolFolderWalk, NamesAreTheSameWhereTheSystemTakesThemForOneFile) {
+    const std::vector<std::pair<std::string, std::string>> pairs = {
+        {"a/B", "A/b"},       {"\u00c4.txt", "\u00e4.txt"}, {"\u0414", "\u0434"}, {"\u00df", "SS"},
+        {"\u0130", "i"},      {"e\u0301", "\u00e9"},        {"\u01c6", "\u01c4"}, {"x", "y"},
+        {"\u00ff", "\u0178"}, {"\u03c2", "\u03c3"},
+    };
+    for (const auto& [first, second] : pairs) {
+        Write(first, "1");
+        Write(second, "2");
+        std::ifstream file(m_folder / fs::u8path(first), std::ios::binary);
+        const bool same = file.get() == '2';
+        EXPECT_EQ(NameIdentity(first) == NameIdentity(second), same) << first << " " << second;
+    }
+}
+
 TEST_F(ToolFolderWalk, WhatLiesBelowAnUnreadFolderIsUnknown) {
     FolderContents contents;
     contents.unread = {{"a/b", "cannot be listed"}, {"e", "cannot be examined"}};

@@ -117,8 +117,4 @@ std::string FaultOfTarget(std::string_view path, NameRules rules) {
     }
 }
 
-std::string NameIdentity(const std::string& path, NameRules rules) {
-    return rules == NameRules::Windows ? UpperCase(path) : path;
-}
-
 }  // namespace Mirqos::Tool

@@ -32,7 +32,4 @@ std::string FaultOfName(std::string_view name, NameRules rules);
 /// a part of it has a fault. Empty where nothing is.
 std::string FaultOfTarget(std::string_view path, NameRules rules);
 
-/// Equal for paths that such a system takes for the same file. Knows of the letters A to Z only.
-std::string NameIdentity(const std::string& path, NameRules rules);
-
 }  // namespace Mirqos::Tool

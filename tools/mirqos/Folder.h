@@ -10,6 +10,9 @@ namespace Mirqos::Tool {
 /// The characters between a folder's name and what stands in it.
 extern const char* const kFolderSeparators;
 
+/// Equal for paths whose names the system takes for the same.
+std::string NameIdentity(const std::string& path);
+
 /// What stands in a folder.
 struct FolderEntry {
     enum class Kind {

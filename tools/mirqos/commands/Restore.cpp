@@ -57,7 +57,7 @@ private:
         std::set<std::string> names;
         for (StoredFile& file : files) {
             std::string fault = FaultOfTarget(file.path, OwnNameRules());
-            if (fault.empty() && !names.insert(NameIdentity(file.path, OwnNameRules())).second) {
+            if (fault.empty() && !names.insert(NameIdentity(file.path)).second) {
                 fault = "another file's name differs only in upper and lower case";
             }
             if (fault.empty()) {

@@ -37,6 +37,10 @@ FolderEntry Examine(int folder, const char* name) {
 
 const char* const kFolderSeparators = "/";
 
+std::string NameIdentity(const std::string& path) {
+    return path;
+}
+
 std::vector<FolderEntry> ListFolder(const std::string& folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
     if (!stream) {

@@ -58,6 +58,15 @@ FolderEntry EntryOf(const std::string& folder, const WIN32_FIND_DATAW& found) {
 
 const char* const kFolderSeparators = "/\\";
 
+std::string NameIdentity(const std::string& path) {
+    // letter by letter, as its file systems do it, and the same for every user
+    std::wstring name = ToWide(path);
+    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, name.data(),
+                  static_cast<int>(name.size()), name.data(), static_cast<int>(name.size()),
+                  nullptr, nullptr, 0);
+    return ToUtf8(name);
+}
+
 std::vector<FolderEntry> ListFolder(const std::string& folder) {
     WIN32_FIND_DATAW found{};
     const HANDLE search =
