@@ -276,6 +276,18 @@ class Runs(BackupCase):
         self.answer("restore", self.url, "dst")
         self.assertEqual(self.tree("dst"), self.tree("src"))
 
+    def test_an_empty_folder_of_the_programs_own_is_taken_over_and_not_remembered(self):
+        self.make("src/file", 10)
+        os.mkdir(self.path("src/.mirqos"))
+        self.backup()
+        os.makedirs(self.path("dst/.mirqos"))
+        self.answer("restore", self.url, "dst")
+        self.assertEqual(os.listdir(self.path("dst")), ["file"])
+        os.mkdir(self.path("dst/.mirqos"))
+        self.write("dst/.mirqos/0.part", 1)
+        self.assertIn("another run", self.fail_with(3, "restore", self.url, "dst"))
+        self.assertEqual(os.listdir(self.path("dst/.mirqos")), ["0.part"])
+
     def test_links_and_pipes_are_left_out_and_counted(self):
         self.skip_on_windows("it has no pipes in folders")
         self.make("src/file", 10)

@@ -65,11 +65,11 @@ std::string FaultOfPart(std::string_view part, NameRules rules) {
     return FaultOfName(part, rules);
 }
 
+}  // namespace
+
 bool IsOwn(std::string_view path) {
     return UpperCase(path.substr(0, path.find('/'))) == UpperCase(kOwnFolder);
 }
-
-}  // namespace
 
 std::string KeyBase(const std::string& prefix) {
     return prefix.empty() || prefix.back() == '/' ? prefix : prefix + "/";

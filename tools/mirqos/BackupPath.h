@@ -11,6 +11,9 @@ namespace Mirqos::Tool {
 /// The part of the folder, and of the prefix, that belongs to the program itself.
 constexpr std::string_view kOwnFolder = ".mirqos";
 
+/// Whether the path is that, or lies in it.
+bool IsOwn(std::string_view path);
+
 /// What every key of the backup begins with: the prefix with a slash behind it, or nothing.
 std::string KeyBase(const std::string& prefix);
 

@@ -38,7 +38,7 @@ public:
 
 private:
     void Take(const std::string& path, const std::vector<FolderEntry>& entries) {
-        if (entries.empty() && !path.empty()) {
+        if (entries.empty() && !path.empty() && !IsOwn(path)) {
             m_contents.emptyFolders.insert(path);
         }
         for (const FolderEntry& entry : entries) {

@@ -14,7 +14,7 @@ namespace Mirqos::Tool {
 /// What stands in a folder and all below it, by path.
 struct FolderContents {
     std::map<std::string, FileState> files;
-    std::set<std::string> emptyFolders;
+    std::set<std::string> emptyFolders;  ///< without the program's own
     /// Folders that could not be listed, what could not be examined, names that are no UTF-8 or
     /// that the system takes for others; sorted by path.
     Troubles unread;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tools/mirqos/Interruption.h"
+#include "tools/mirqos/LocalFile.h"
 
 namespace Mirqos::Tool {
 
@@ -11,7 +12,8 @@ namespace Mirqos::Tool {
 /// is removed at the end with what is still in it, also when the user ends the program.
 class PartFolder {
 public:
-    /// Makes FOLDER/.mirqos. Throws Failure (LocalFile) also where it exists.
+    /// Makes FOLDER/.mirqos, or takes it over where it is empty. Throws Failure (LocalFile) also
+    /// where something is in it.
     PartFolder(const std::string& folder, Interruption& interruption);
     PartFolder(const PartFolder&) = delete;
     PartFolder& operator=(const PartFolder&) = delete;
@@ -22,6 +24,8 @@ public:
 
 private:
     std::string m_name;
+    /// Open as long as the folder is in use: without a part the folder would be empty, too.
+    LocalFile m_sign;
     Interruption::Cleanup m_cleanup;
 };
 
