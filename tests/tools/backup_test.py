@@ -567,10 +567,10 @@ class Trouble(BackupCase):
         self.addCleanup(relay.close)
         return relay, environment(MIRQOS_ENDPOINT=relay.endpoint)
 
-    def at_the_stall(self, relay, env, act, *arguments):
-        """Runs the program, calls `act` with its process when it stalls, and returns its exit code
-        and what it said."""
-        tool = subprocess.Popen(COMMAND + list(arguments) + ["--no-progress"], env=env,
+    def at_the_stall(self, relay, env, act, *arguments, by=()):
+        """Runs the program, started by the command `by` if one is given, calls `act` with its
+        process when it stalls, and returns its exit code and what it said."""
+        tool = subprocess.Popen([*by, *COMMAND, *arguments, "--no-progress"], env=env,
                                 cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         try:
             self.assertTrue(relay.reached.wait(LIMIT))
@@ -674,6 +674,19 @@ class Trouble(BackupCase):
             relay.close()
         self.answer("restore", self.url, "dst")
         self.assertEqual(self.tree("dst"), self.tree("src"))
+
+    def test_what_is_started_to_outlive_its_terminal_does(self):
+        self.make("src/large", 2 * PART)
+        relay, env = self.relay(5 * MIB)
+
+        def act(tool):
+            tool.send_signal(signal.SIGHUP)
+            # where it would end it, that takes two seconds
+            self.assertRaises(subprocess.TimeoutExpired, tool.wait, timeout=4)
+            relay.release.set()
+        code, _, err = self.at_the_stall(relay, env, act, "backup", "src", self.url, by=("nohup",))
+        self.assertEqual(code, 0, err)
+        self.answer("verify", self.url, "src")
 
     def test_a_server_that_dies_ends_the_run_with_a_status(self):
         self.make("src/large", 4 * PART)

@@ -6,6 +6,7 @@ import http.server
 import os
 import random
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -193,4 +194,6 @@ def run(description):
     options, rest = parser.parse_known_args()
     COMMAND.extend(([options.runner] if options.runner else []) +
                    [os.path.abspath(options.program)])
+    # a shell that starts the tests in the background has them, and what they start, ignore it
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)

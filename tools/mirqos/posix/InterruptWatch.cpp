@@ -15,6 +15,12 @@ namespace {
 // ends the wait itself
 constexpr int kStopSignal = SIGUSR1;
 
+/// Whether whoever started the program does not want it to end by the signal, as nohup does.
+bool IsIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 struct InterruptWatch::State {
@@ -42,8 +48,12 @@ InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
     : m_state(std::make_unique<State>()) {
     m_state->onInterrupt = std::move(onInterrupt);
     sigemptyset(&m_state->watched);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, kStopSignal}) {
-        sigaddset(&m_state->watched, signal);
+    sigaddset(&m_state->watched, kStopSignal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // an ignored one would be waited for all the same
+        if (!IsIgnored(signal)) {
+            sigaddset(&m_state->watched, signal);
+        }
     }
     // Threads started from here on inherit the mask, so the signals reach the waiting thread alone.
     pthread_sigmask(SIG_BLOCK, &m_state->watched, &m_state->before);
