@@ -175,6 +175,10 @@ class Failures(Case):
         self.succeed("put", "in", bucket + "/k")
         self.fail_with(3, "get", bucket + "/k", "folder")
         self.fail_with(3, "get", bucket + "/k", os.path.join("none", "out"))
+        if len(COMMAND) == 1:
+            os.mkfifo(self.path("pipe"))
+            self.assertIn("pipe", self.fail_with(3, "get", bucket + "/k", "pipe"))
+            os.remove(self.path("pipe"))
         self.write("taken.part", 5)
         self.assertIn("taken.part", self.fail_with(3, "get", bucket + "/k", "taken"))
         self.assertEqual(self.files(), ["folder", "in", "taken.part"])

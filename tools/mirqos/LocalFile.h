@@ -67,6 +67,10 @@ bool RemoveFile(const std::string& name) noexcept;
 
 bool IsFolder(const std::string& name);
 
+/// Whether there is something with that name, or where a link of that name leads, that is no
+/// ordinary file.
+bool IsOtherThanFile(const std::string& name);
+
 /// Whether there is anything with that name.
 bool FileExists(const std::string& name);
 

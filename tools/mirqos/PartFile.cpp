@@ -14,6 +14,9 @@ LocalFile CreatePart(const std::string& name, const std::string& partName) {
         throw Failure(ExitCode::LocalFile,
                       "'" + Printable(name) + "' is a folder; name the file to write");
     }
+    if (IsOtherThanFile(name)) {
+        throw Failure(ExitCode::LocalFile, "'" + Printable(name) + "' is not an ordinary file");
+    }
     if (FileExists(partName)) {
         throw Failure(ExitCode::LocalFile, "'" + Printable(partName) +
                                                "' exists: another run is writing it, or one was "

@@ -12,8 +12,8 @@ namespace Mirqos::Tool {
 /// NAME.part, which the destructor removes; a file that had the name before stays as it was.
 class PartFile {
 public:
-    /// Throws Failure (LocalFile) also when NAME is a folder or NAME.part exists: another run may
-    /// be using that one, and it may be the user's own.
+    /// Throws Failure (LocalFile) also when NAME is a folder or a device, or NAME.part exists:
+    /// another run may be using that one, and it may be the user's own.
     explicit PartFile(const std::string& name) : PartFile(name, name + ".part") {}
     /// The bytes are collected in `partName`, on the same file system.
     PartFile(std::string name, std::string partName);

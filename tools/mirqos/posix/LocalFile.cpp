@@ -150,6 +150,11 @@ bool IsFolder(const std::string& name) {
     return ::stat(name.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
+bool IsOtherThanFile(const std::string& name) {
+    struct stat info {};
+    return ::stat(name.c_str(), &info) == 0 && !S_ISREG(info.st_mode);
+}
+
 bool FileExists(const std::string& name) {
     struct stat info {};
     return ::lstat(name.c_str(), &info) == 0;
