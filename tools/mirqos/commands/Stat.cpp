@@ -50,6 +50,9 @@ Command StatCommand() {
             "unknown where the credentials may not list. The exit code tells as well: 0 it\n"
             "exists, 4 it does not, 1 the service could not be asked.\n"
             "\n"
+            "It lists what begins with KEY, with the limits to the length of keys that ls\n"
+            "names.\n"
+            "\n"
             "Example:\n"
             "  mirqos stat s3://photos/2024/holiday.jpg\n",
             1,
