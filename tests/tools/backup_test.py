@@ -554,6 +554,41 @@ class Refused(BackupCase):
         self.succeed("rm", "--provider", "gcs", *addresses)
         self.assertEqual(self.keys(), [])
 
+    def test_one_object_stops_no_other_on_the_way_back(self):
+        for name in ("a", "b", "c"):
+            self.make("src/" + name, 100)
+        self.backup()
+        env = self.refusing("GET", lambda path: path.endswith("/p/b"))
+        found = self.answer("verify", self.url, env=env, expected=1)
+        self.assertEqual((found["good"], [entry["path"] for entry in found["failed"]]), (2, ["b"]))
+        answer = self.answer("restore", self.url, "dst", "--threads", "1", env=env, expected=1)
+        self.assertEqual((answer["files"], [entry["path"] for entry in answer["failed"]]),
+                         (2, ["b"]))
+        self.assertIn("status 15", self.said)
+        self.assertEqual(sorted(os.listdir(self.path("dst"))), ["a", "c"])
+        self.answer("restore", self.url, "dst")
+        self.assertEqual(self.tree("dst"), self.tree("src"))
+        # what differs says more than what could not be read
+        self.succeed("rm", self.url + "/c")
+        found = self.answer("verify", self.url, env=env, expected=5)
+        self.assertEqual(found["objects"]["missing"], ["c"])
+        self.assertIn("'b'", self.said)
+
+    def test_a_service_that_refuses_every_object_is_not_asked_for_all(self):
+        for number in range(50):
+            self.make("src/%02d" % number, 100)
+        self.backup()
+        asked = []
+
+        def refused(path):
+            is_file = "/p/" in path and MANIFEST not in path
+            return is_file and (asked.append(path) or True)
+        env = self.refusing("GET", refused)
+        for arguments in (("restore", self.url, "dst"), ("verify", self.url)):
+            asked.clear()
+            self.fail_with(1, *arguments, "--threads", "1", "--no-progress", env=env)
+            self.assertEqual(len(set(asked)), 10)
+
 
 class Trouble(BackupCase):
     """At a chosen moment, by a relay that stalls there."""

@@ -23,13 +23,17 @@ Json Describe(const Troubles& troubles) {
     return list;
 }
 
+void Show(const Troubles& troubles) {
+    for (const Trouble& trouble : troubles) {
+        WriteError("mirqos: '" + Printable(trouble.path) + "': " + trouble.why + "\n");
+    }
+}
+
 void EndWith(const Troubles& troubles, const std::string& summary) {
     if (troubles.empty()) {
         return;
     }
-    for (const Trouble& trouble : troubles) {
-        WriteError("mirqos: '" + Printable(trouble.path) + "': " + trouble.why + "\n");
-    }
+    Show(troubles);
     const bool remote = std::any_of(troubles.begin(), troubles.end(), [](const Trouble& trouble) {
         return trouble.code == ExitCode::OperationFailed;
     });

@@ -9,6 +9,7 @@
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/PartFile.h"
 #include "tools/mirqos/PartFolder.h"
+#include "tools/mirqos/Patience.h"
 #include "tools/mirqos/Progress.h"
 #include "tools/mirqos/Stopwatch.h"
 #include "tools/mirqos/Text.h"
@@ -71,25 +72,26 @@ private:
 
     /// One file's trouble keeps no other from being restored; what is no file's ends the run.
     void RestoreOne(const StoredFile& file, const std::string& partName, const ReadStored& read) {
+        ObjectState state = ObjectState::Missing;
         try {
-            switch (Fetch(file, partName, read)) {
-                case ObjectState::Good:
-                    Count(file);
-                    break;
-                case ObjectState::Missing:
-                    Add({file.path, "is not restored: its object is missing",
-                         ExitCode::OperationFailed});
-                    break;
-                case ObjectState::Differs:
-                    Add({file.path, "is not restored: its object is not what was backed up",
-                         ExitCode::OperationFailed});
-                    break;
-            }
+            state = Fetch(file, partName, read);
         } catch (const Failure& failure) {
-            if (failure.Code() != ExitCode::LocalFile) {
-                throw;
-            }
-            Add({file.path, failure.what()});
+            Add(m_patience.Bear(file.path, failure));
+            return;
+        }
+        m_patience.Renew();
+        switch (state) {
+            case ObjectState::Good:
+                Count(file);
+                break;
+            case ObjectState::Missing:
+                Add({file.path, "is not restored: its object is missing",
+                     ExitCode::OperationFailed});
+                break;
+            case ObjectState::Differs:
+                Add({file.path, "is not restored: its object is not what was backed up",
+                     ExitCode::OperationFailed});
+                break;
         }
     }
 
@@ -154,6 +156,7 @@ private:
     const std::string m_folder;
     const Stopwatch m_stopwatch;
     bool m_runEnded = true;
+    Patience m_patience;
     std::mutex m_mutex;
     Troubles m_troubles;
     std::uint64_t m_files = 0;
@@ -177,9 +180,12 @@ Command RestoreCommand() {
             "\n"
             "A path that would leave FOLDER, or that this system takes for something else\n"
             "than a file of that name (on Windows also devices, drive letters, names that\n"
-            "differ only in case), is not restored. What is not restored is named at the end,\n"
-            "and the exit code is 1 where an object is missing or not what was backed up,\n"
-            "else 3.\n"
+            "differ only in case), is not restored. Links to folders that stand in FOLDER are\n"
+            "followed, wherever they lead. What is not restored is named at the end, and the\n"
+            "exit code is 1 where an object is missing, not what was backed up, or refused by\n"
+            "the service, else 3. A service that refuses one after another ends the run.\n"
+            "Where a read fails it may list what begins with the key, with the limits to the\n"
+            "length of keys that ls names.\n"
             "\n"
             "A single file is an object like any other: get fetches it.\n"
             "\n"

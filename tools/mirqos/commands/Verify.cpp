@@ -2,6 +2,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "tools/mirqos/Answer.h"
@@ -13,6 +14,7 @@
 #include "tools/mirqos/FolderWalk.h"
 #include "tools/mirqos/Interruption.h"
 #include "tools/mirqos/Listing.h"
+#include "tools/mirqos/Patience.h"
 #include "tools/mirqos/Progress.h"
 #include "tools/mirqos/SteadyFile.h"
 #include "tools/mirqos/Stopwatch.h"
@@ -130,7 +132,14 @@ private:
                                   progress);
         const ObjectReader::Sink nowhere = [](std::uint64_t, const unsigned char*, std::size_t) {};
         reader.ForEach(files, [&](std::size_t, const StoredFile& file, const ReadStored& read) {
-            const ObjectState state = read(file, nowhere);
+            ObjectState state = ObjectState::Missing;
+            try {
+                state = read(file, nowhere);
+            } catch (const Failure& failure) {
+                Bear(file.path, failure);
+                return;
+            }
+            m_patience.Renew();
             const std::lock_guard<std::mutex> lock(m_mutex);
             if (state == ObjectState::Good) {
                 ++m_good;
@@ -184,12 +193,14 @@ private:
                 m_local.differing.push_back(file.path);
             }
         } catch (const Failure& failure) {
-            if (failure.Code() != ExitCode::LocalFile) {
-                throw;
-            }
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_troubles.push_back({file.path, failure.what()});
+            Bear(file.path, failure);
         }
+    }
+
+    void Bear(const std::string& path, const Failure& failure) {
+        Trouble trouble = m_patience.Bear(path, failure);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_troubles.push_back(std::move(trouble));
     }
 
     void Tell() {
@@ -207,19 +218,21 @@ private:
         document["objects"] = m_objects.Describe();
         if (m_folder) {
             document["folder"] = m_local.Describe();
-            document["failed"] = Describe(m_troubles);
         }
+        document["failed"] = Describe(m_troubles);
         Report(m_invocation, document,
                "verified " + m_prefix.Shown() + ": " + std::to_string(m_good) + " of " +
                    CountOf(m_count, "file") + " good, " + m_stopwatch.Describe(m_goodBytes) +
                    (m_runEnded ? "" : kUnfinishedNote));
-        EndWith(m_troubles, "of the names in the folder could not be compared");
         if (!m_objects.Empty() || !m_local.Empty()) {
+            Show(m_troubles);
             throw Failure(ExitCode::Differs,
                           m_objects.Empty() ? "the folder is not what the backup holds"
                                             : "what is stored is not what the backup's manifest "
                                               "says");
         }
+        EndWith(m_troubles,
+                "of the objects, and of the names in the folder, could not be compared");
     }
 
     const Invocation& m_invocation;
@@ -227,6 +240,7 @@ private:
     const std::optional<std::string> m_folder;
     const Stopwatch m_stopwatch;
     bool m_runEnded = true;
+    Patience m_patience;
     std::mutex m_mutex;
     Findings m_objects;
     Findings m_local;
@@ -249,8 +263,11 @@ Command VerifyCommand() {
             "Reads every object of the backup and compares its SHA-256 digest with the one\n"
             "that was taken of the file. Says which objects are missing, differ, or are there\n"
             "besides; the objects of files that are gone are none of these. With FOLDER it\n"
-            "compares the files there with the backup as well, and not their times. The exit\n"
-            "code is 5 where anything was found.\n"
+            "compares the files there with the backup as well, and not their times.\n"
+            "\n"
+            "The exit code is 5 where anything was found. What could not be compared is named\n"
+            "as well; where nothing was found the exit code is 1 then if the service refused\n"
+            "an object, else 3. A service that refuses one after another ends the run.\n"
             "\n"
             "It lists the objects, with the limits to the length of keys that ls names.\n"
             "\n"
