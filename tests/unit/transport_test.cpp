@@ -190,6 +190,14 @@ TEST(Transport, LengthsAboveFourGibibytesAreAnnounced) {
     EXPECT_TRUE(HasLine(head.get_future().get(), "Content-Length: 5368709123"));
 }
 
+Http::Result Put(Http::Transport& transport, const RawServer& server, std::istream& body,
+                 std::uint64_t size, KeptAnswer& answer) {
+    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
+    request.body = &body;
+    request.bodyLength = size;
+    return transport.Exchange(request, Ample(), answer);
+}
+
 const char* const kRefusal =
     "HTTP/1.1 403 Forbidden\r\nContent-Length: 5\r\nConnection: close\r\n\r\nstop!";
 
@@ -201,11 +209,8 @@ TEST(Transport, ARefusalDuringTheUploadIsDelivered) {
     });
     constexpr std::uint64_t size = 16 * 1024 * 1024;
     LongStream body(size);
-    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-    request.body = &body;
-    request.bodyLength = size;
     KeptAnswer answer;
-    const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+    const Http::Result result = Put(*NewTransport(), server, body, size, answer);
     EXPECT_EQ(result.failure, Failure::none) << result.message;
     EXPECT_EQ(answer.head.status, 403);
     EXPECT_EQ(answer.body, "stop!");
@@ -229,22 +234,24 @@ private:
     std::function<void()> m_before;
 };
 
-TEST(Transport, ARefusalIsDeliveredEvenIfTheServerHasHungUp) {
+/// A server that has answered so and hung up before the first byte of the body goes out.
+Http::Result PutToOneThatHangsUp(const std::string& said, KeptAnswer& answer) {
     Gate hungUp;
     RawServer server([&](Connection& connection, int) {
         connection.ReadHead();
-        connection.Send(kRefusal);
+        connection.Send(said);
         connection.Reset();
         hungUp.Open();
     });
     const std::string sent(4 * 1024 * 1024, 's');
     TellingBuffer buffer(sent, [&] { hungUp.Pass(); });
     std::istream body(&buffer);
-    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-    request.body = &body;
-    request.bodyLength = sent.size();
+    return Put(*NewTransport(), server, body, sent.size(), answer);
+}
+
+TEST(Transport, ARefusalIsDeliveredEvenIfTheServerHasHungUp) {
     KeptAnswer answer;
-    const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+    const Http::Result result = PutToOneThatHangsUp(kRefusal, answer);
     EXPECT_EQ(result.failure, Failure::none) << result.message;
     EXPECT_EQ(answer.heads, 1);
     EXPECT_EQ(answer.head.status, 403);
@@ -265,11 +272,8 @@ TEST(Transport, ASuccessBeforeTheWholeBodyIsSentIsAFailure) {
         });
         constexpr std::uint64_t size = 32 * 1024 * 1024;
         LongStream body(size);
-        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-        request.body = &body;
-        request.bodyLength = size;
         KeptAnswer answer;
-        const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+        const Http::Result result = Put(*NewTransport(), server, body, size, answer);
         EXPECT_EQ(result.failure, Failure::send) << ending << answer.head.status;
         EXPECT_NE(result.message, "");
     }
@@ -277,21 +281,8 @@ TEST(Transport, ASuccessBeforeTheWholeBodyIsSentIsAFailure) {
 
 TEST(Transport, ASuccessFromAServerThatHasHungUpIsAFailure) {
     for (const char* const ending : {"", "Connection: close\r\n"}) {
-        Gate hungUp;
-        RawServer server([&](Connection& connection, int) {
-            connection.ReadHead();
-            connection.Send(EarlySuccess(ending));
-            connection.Reset();
-            hungUp.Open();
-        });
-        const std::string sent(4 * 1024 * 1024, 's');
-        TellingBuffer buffer(sent, [&] { hungUp.Pass(); });
-        std::istream body(&buffer);
-        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-        request.body = &body;
-        request.bodyLength = sent.size();
         KeptAnswer answer;
-        const Http::Result result = NewTransport()->Exchange(request, Ample(), answer);
+        const Http::Result result = PutToOneThatHangsUp(EarlySuccess(ending), answer);
         EXPECT_EQ(result.failure, Failure::send) << ending << answer.head.status;
         EXPECT_NE(result.message, "");
     }
@@ -317,11 +308,8 @@ TEST(Transport, WhatWasSentOnAConnectionThatWasReplacedDoesNotCount) {
         transport->Exchange(LoopbackRequest(server.Port(), "GET", "/b/k"), Ample(), first).failure,
         Failure::none);
     LongStream body(size);
-    Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-    request.body = &body;
-    request.bodyLength = size;
     KeptAnswer answer;
-    const Http::Result result = transport->Exchange(request, Ample(), answer);
+    const Http::Result result = Put(*transport, server, body, size, answer);
     EXPECT_EQ(result.failure, Failure::send) << answer.head.status;
     EXPECT_EQ(server.Accepts(), 2);
 }
@@ -339,11 +327,8 @@ TEST(Transport, AnEarlySuccessIsOneOnceTheBodyIsSent) {
     const auto transport = NewTransport(1);
     for (const std::uint64_t size : sizes) {
         LongStream body(size);
-        Http::Request request = LoopbackRequest(server.Port(), "PUT", "/b/k");
-        request.body = &body;
-        request.bodyLength = size;
         KeptAnswer answer;
-        const Http::Result result = transport->Exchange(request, Ample(), answer);
+        const Http::Result result = Put(*transport, server, body, size, answer);
         EXPECT_EQ(result.failure, Failure::none) << size << ": " << result.message;
         EXPECT_EQ(answer.head.status, 200);
     }
