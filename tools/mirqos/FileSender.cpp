@@ -56,10 +56,9 @@ FileSender::Result FileSender::Send(const std::string& file, const ObjectUrl& ur
             return {record, false};
         }
     }
+    aboutToStore();
     const bool async = way->kind == UploadWay::Kind::AsyncParts;
-    return {async ? SendAsync(source, url, *way, aboutToStore)
-                  : SendParts(source, url, *way, aboutToStore),
-            true};
+    return {async ? SendAsync(source, url, *way) : SendParts(source, url, *way), true};
 }
 
 FileSender::Result FileSender::SendWhole(SteadyFile& source, const ObjectUrl& url,
@@ -84,8 +83,8 @@ FileSender::Result FileSender::SendWhole(SteadyFile& source, const ObjectUrl& ur
     return {record, true};
 }
 
-FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
-                                 const AboutToStore& aboutToStore) const {
+FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url,
+                                 const UploadWay& way) const {
     PartUpload upload(m_store, url, way.partSize, m_interruption);
     std::vector<unsigned char> part(way.partSize);
     for (std::int32_t number = 1; number <= way.parts; ++number) {
@@ -97,13 +96,12 @@ FileRecord FileSender::SendAsync(SteadyFile& source, const ObjectUrl& url, const
     }
     FileRecord record = source.Finish();
     m_interruption.CheckPoint();
-    aboutToStore();
     upload.CompleteHandedOver(way.parts);
     return record;
 }
 
-FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
-                                 const AboutToStore& aboutToStore) const {
+FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url,
+                                 const UploadWay& way) const {
     PartUpload upload(m_store, url, way.partSize, m_interruption);
     std::mutex reading;
     std::int32_t next = 0;
@@ -127,7 +125,6 @@ FileRecord FileSender::SendParts(SteadyFile& source, const ObjectUrl& url, const
     });
     FileRecord record = source.Finish();
     m_interruption.CheckPoint();
-    aboutToStore();
     upload.Complete(way.parts);
     return record;
 }

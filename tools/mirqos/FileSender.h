@@ -30,7 +30,8 @@ public:
         bool sent = false;  ///< false where the contents are those that are stored
     };
 
-    /// Called before the one request after which the object may hold the file, and may throw.
+    /// Called before anything of the file is sent, and may throw: an upload that is not finished
+    /// would keep its parts in memory.
     using AboutToStore = std::function<void()>;
 
     /// `stored`: what the object holds, where it is known. Files that go whole may be sent by
@@ -42,10 +43,8 @@ private:
     Result SendWhole(SteadyFile& source, const ObjectUrl& url,
                      const std::optional<FileRecord>& stored,
                      const AboutToStore& aboutToStore) const;
-    FileRecord SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
-                         const AboutToStore& aboutToStore) const;
-    FileRecord SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way,
-                         const AboutToStore& aboutToStore) const;
+    FileRecord SendAsync(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
+    FileRecord SendParts(SteadyFile& source, const ObjectUrl& url, const UploadWay& way) const;
 
     MIRQOSInterface& m_store;
     const unsigned m_threads;
