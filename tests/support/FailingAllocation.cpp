@@ -1,17 +1,21 @@
 #include "tests/support/FailingAllocation.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <new>
+#include <thread>
 
 namespace {
 
 std::atomic<std::size_t> g_failingSize{0};
+std::atomic<bool> g_hasFailed{false};
 
 }  // namespace
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     if (size != 0 && size == g_failingSize) {
+        g_hasFailed = true;
         return nullptr;
     }
     return std::malloc(size == 0 ? 1 : size);
@@ -62,11 +66,20 @@ void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
 namespace Mirqos::Test {
 
 FailingAllocation::FailingAllocation(std::size_t size) {
+    g_hasFailed = false;
     g_failingSize = size;
 }
 
 FailingAllocation::~FailingAllocation() {
     g_failingSize = 0;
+}
+
+bool FailingAllocation::WaitUntilFailed() const {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!g_hasFailed && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::yield();
+    }
+    return g_hasFailed;
 }
 
 }  // namespace Mirqos::Test

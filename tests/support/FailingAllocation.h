@@ -11,6 +11,8 @@ class FailingAllocation {
 public:
     explicit FailingAllocation(std::size_t size);
     ~FailingAllocation();
+    /// Blocks until one has failed. False when that takes longer than half a minute.
+    bool WaitUntilFailed() const;
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
 };

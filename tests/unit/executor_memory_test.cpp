@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <memory>
 #include <new>
 #include <thread>
@@ -61,7 +60,7 @@ TEST(ExecutorMemory, ItsEndWaitsForTheMemoryToStopItsThreads) {
     {
         const FailingAllocation none(kQueueBlock);
         end = std::thread([&executor] { executor.reset(); });
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        EXPECT_TRUE(none.WaitUntilFailed());
     }
     gate.Open();
     end.join();
