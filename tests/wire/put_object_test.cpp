@@ -125,7 +125,7 @@ TEST_F(PutObjectAnswers, AnEarlyRefusalOfALargeBodyIsReportedAsWhatItIs) {
 
 TEST_F(PutObjectAnswers, ASuccessBeforeTheBodyIsSentIsTriedAgainAndNeverBelieved) {
     if (!kBundledSdk) {
-        GTEST_SKIP() << "an installed SDK may believe it";
+        GTEST_SKIP() << "an installed SDK believes it";
     }
     const std::string body(16 * 1024 * 1024, 'x');
     const Answer early = Answer::Status(200).Header("ETag", "\"1\"").AfterRequestBytes(1000);
